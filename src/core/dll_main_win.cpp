@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/library_state.h"
+
+#include <windows.h>
+
+namespace __gnu_cxx {
+// The C++ runtime's own release of what it allocated at start: the pool for exceptions thrown without memory.
+void __freeres();
+}  // namespace __gnu_cxx
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds) {
+    switch (reason) {
+        case DLL_PROCESS_ATTACH:
+            quarlin::LoadLibraryState(instance);
+            break;
+        case DLL_PROCESS_DETACH:
+            quarlin::UnloadLibraryState();
+            if (processEnds == nullptr) {
+                __gnu_cxx::__freeres();
+            }
+            break;
+        default:
+            // Threads come and go without the library: their records are theirs to fetch.
+            break;
+    }
+    return TRUE;
+}

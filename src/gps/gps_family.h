@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "gps/gps_impl.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+namespace quarlin::gps {
+
+// The family's process-wide state: one receiver at most. Not locked: initialising, uninitialising, enabling and
+// disabling belong to one thread.
+class GpsFamily {
+  public:
+    void Initialize(std::int32_t portNumber);
+    void Uninitialize();
+
+    // The receiver; raises QLERR_INVALID_STATE when not initialised.
+    GpsImpl& Gps() const;
+    // Raises QLERR_INVALID_STATE, in words of its own, when not initialised.
+    void RequireInitialized() const;
+
+    // 1 after a port check that succeeded, 0 after one that failed. Outlives Uninitialize.
+    std::int32_t ReceiverCount() const { return receiverCount_; }
+
+  private:
+    std::unique_ptr<GpsImpl> gps_;
+    bool initialized_ = false;
+    std::int32_t receiverCount_ = 0;
+    std::array<char, 8> portName_{};
+};
+
+extern GpsFamily gpsFamily;
+
+}  // namespace quarlin::gps
