@@ -1,6 +1,7 @@
-# qlsdk.lib beside the DLL, for Microsoft's tools and clang-cl; libqlsdk.dll.a, for MinGW, comes from the DLL's own link.
-# Both are made of src/qlsdk.def. An import library knows outer names alone, so the aliases there need no other spelling.
-find_program(LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14 DOC "Makes import libraries (Debian package llvm)" REQUIRED)
+# qlsdk.lib beside the DLL, for Microsoft's tools and clang-cl; libqlsdk.dll.a, for MinGW, comes from the DLL's own
+# link. Both are made of src/qlsdk.def: an import library knows the outer names alone, so that the aliases there need no
+# other spelling.
+find_program(LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14 REQUIRED DOC "Makes import libraries")
 
 set(QUARLIN_MSVC_IMPORT_LIBRARY ${QUARLIN_BIN_DIR}/qlsdk.lib)
 add_custom_command(

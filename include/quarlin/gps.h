@@ -118,7 +118,7 @@ QL_IMPORT QLerr QLGPS_IsEnabled(bool* enabled);
 QL_IMPORT QLerr QLGPS_GetBearing(double* bearing);
 
 /**
- * Position. The three values belong to one sentence.
+ * Position. The three values are read together: none is newer than the sentence that gave the others.
  * @param latitude   receives decimal degrees, south negative.
  * @param longitude  receives decimal degrees, west negative.
  * @param altitude   receives the antenna's height above mean sea level in metres.

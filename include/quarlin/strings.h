@@ -12,6 +12,7 @@
  * - QLERR_INTERNAL_ERROR: the text did not fit, the count is below 1, a pointer is null, or a text is not convertible.
  *   The last error reads "Failed to copy string", "Failed to print formatted string", "Multibyte to unicode conversion
  *   failed" or "Unicode to multibyte conversion failed", a line end, and the system's code and text.
+ * - QLERR_INVALID_ARGUMENT: a required count pointer is null ("The argument count cannot be NULL."). Nothing is written.
  *
  * Threads: any, all functions may overlap. No pointer is kept.
  */

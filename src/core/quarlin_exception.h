@@ -17,10 +17,15 @@ class QuarlinException : public std::runtime_error {
     QLerr code;
 };
 
+// Out of line, so that a check costs its callers one comparison and no more registers.
+[[noreturn, gnu::cold, gnu::noinline]] inline void Fail(QLerr code, const char* message) {
+    throw QuarlinException(code, message);
+}
+
 // The check of an argument or a state at the head of a body.
 inline void Require(bool condition, QLerr code, const char* message) {
     if (!condition) {
-        throw QuarlinException(code, message);
+        Fail(code, message);
     }
 }
 

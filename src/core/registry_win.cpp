@@ -52,14 +52,14 @@ bool CReg::ReadDword(HKEY root, const wchar_t* subKey, const wchar_t* valueName,
 
 bool CReg::ReadString(HKEY root, const wchar_t* subKey, const wchar_t* valueName, wchar_t* data, DWORD* dataBytes,
                       REGSAM extraAccess) {
-    const DWORD capacity = *dataBytes / sizeof(wchar_t);
+    const DWORD capacity = *dataBytes / DWORD{sizeof(wchar_t)};
     DWORD type = REG_NONE;
     if (!RegistryKey(root, subKey, KEY_QUERY_VALUE | extraAccess).Query(valueName, &type, data, dataBytes) ||
         !IsTextType(type) || capacity == 0) {
         return false;
     }
     // The registry stores what it was given, with or without a terminator.
-    const DWORD length = *dataBytes / sizeof(wchar_t);
+    const DWORD length = *dataBytes / DWORD{sizeof(wchar_t)};
     data[length < capacity ? length : capacity - 1] = L'\0';
     return true;
 }

@@ -41,9 +41,7 @@ void ThreadLocal::Set(void* value) {
 }
 
 std::uint32_t ThreadLocal::Index() const {
-    if (!index_) {
-        throw QuarlinException(QLERR_INTERNAL_ERROR, "ThreadLocal is not valid");
-    }
+    Require(index_ != nullptr, QLERR_INTERNAL_ERROR, "ThreadLocal is not valid");
     return *index_;
 }
 

@@ -19,6 +19,9 @@ class Writer {
     }
 
     Writer& Number(std::int32_t value) {
+        if (value >= 0 && value <= 9) {
+            return Put(static_cast<char>('0' + value));
+        }
         std::uint32_t magnitude = static_cast<std::uint32_t>(value);
         if (value < 0) {
             Put('-');
@@ -29,8 +32,8 @@ class Writer {
     }
 
     Writer& TwoDigits(std::int32_t value) {
-        if (value >= 0 && value <= 9) {
-            Put('0');
+        if (value >= 0 && value <= 99) {
+            return Put(static_cast<char>('0' + value / 10)).Put(static_cast<char>('0' + value % 10));
         }
         return Number(value);
     }
@@ -48,29 +51,37 @@ class Writer {
     char* at_;
 };
 
-std::int32_t Truncated(double value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    if (!(value > Limits::min())) {
-        // No number at all reads as 0.
-        return std::isnan(value) ? 0 : Limits::min();
+using Limits = std::numeric_limits<std::int32_t>;
+
+bool FitsInteger(double value) {
+    return value > Limits::min() && value < Limits::max();
+}
+
+// Times that no receiver sends: held at the limits, and 0 for what is no number at all.
+std::int32_t Held(double value) {
+    if (FitsInteger(value) || std::isnan(value)) {
+        return std::isnan(value) ? 0 : static_cast<std::int32_t>(value);
     }
-    return value < Limits::max() ? static_cast<std::int32_t>(value) : Limits::max();
+    return value < 0 ? Limits::min() : Limits::max();
+}
+
+void Write(DateTimeText& text, std::int32_t hours, std::int32_t minutes, std::int32_t seconds) {
+    Writer(text).Number(hours).Put(':').TwoDigits(minutes).Put(':').TwoDigits(seconds).End();
 }
 
 }  // namespace
 
 void FormatTime(double hhmmss, DateTimeText& text) {
+    if (FitsInteger(hhmmss)) {
+        // The fraction of a second never decides.
+        const auto whole = static_cast<std::int32_t>(hhmmss);
+        Write(text, whole / 10000, whole % 10000 / 100, whole % 100);
+        return;
+    }
     const double hours = std::trunc(hhmmss / 10000);
     const double rest = hhmmss - hours * 10000;
     const double minutes = std::trunc(rest / 100);
-    const double seconds = rest - minutes * 100;
-    Writer(text)
-        .Number(Truncated(hours))
-        .Put(':')
-        .TwoDigits(Truncated(minutes))
-        .Put(':')
-        .TwoDigits(Truncated(seconds))
-        .End();
+    Write(text, Held(hours), Held(minutes), Held(rest - minutes * 100));
 }
 
 void FormatDate(std::int32_t ddmmyy, DateTimeText& text) {

@@ -21,8 +21,9 @@ void GpsFamily::Initialize(std::int32_t portNumber) {
     Require(portNumber >= 1 && portNumber <= kHighestPort, QLERR_INVALID_ARGUMENT, "COM port value is out of bounds");
     // Without the prefix of the device namespace: the system opens COM1 to COM9 by these names.
     std::snprintf(portName_.data(), portName_.size(), "COM%d", static_cast<int>(portNumber));
+    // No receiver until the check has succeeded, also when it raises.
+    receiverCount_ = 0;
     if (!IsComPortAvailable(portName_.data())) {
-        receiverCount_ = 0;
         throw QuarlinException(QLERR_INVALID_ARGUMENT, kIncorrectPort);
     }
     gps_ = std::make_unique<GpsImplGen>();
@@ -35,11 +36,6 @@ void GpsFamily::Uninitialize() {
     Gps().Close();
     initialized_ = false;
     gps_.reset();
-}
-
-GpsImpl& GpsFamily::Gps() const {
-    Require(gps_ != nullptr, QLERR_INVALID_STATE, "GPS has not been initialized.");
-    return *gps_;
 }
 
 void GpsFamily::RequireInitialized() const {

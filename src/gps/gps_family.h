@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/quarlin_exception.h"
 #include "gps/gps_impl.h"
 
 #include <array>
@@ -17,7 +18,10 @@ class GpsFamily {
     void Uninitialize();
 
     // The receiver; raises QLERR_INVALID_STATE when not initialised.
-    GpsImpl& Gps() const;
+    GpsImpl& Gps() const {
+        Require(gps_ != nullptr, QLERR_INVALID_STATE, "GPS has not been initialized.");
+        return *gps_;
+    }
     // Raises QLERR_INVALID_STATE, in words of its own, when not initialised.
     void RequireInitialized() const;
 

@@ -15,7 +15,6 @@ void GpsImplGen::Open() {
         return;
     }
     port_.Open(portName_);
-    closing_ = false;
     Require(reader_.Start(&ReadLines, this), QLERR_INVALID_STATE, "CreateThread Failed");
     opened_ = true;
 }
@@ -24,7 +23,6 @@ void GpsImplGen::Close() {
     if (!opened_) {
         return;
     }
-    closing_ = true;
     port_.Close();
     reader_.Join();
     opened_ = false;
@@ -35,8 +33,7 @@ void GpsImplGen::ReadLines(void* self) {
     constexpr DWORD kRetryPause = 10;  // milliseconds
     auto& gps = *static_cast<GpsImplGen*>(self);
     gps.lines_ = LineAssembler();
-    // Asked as well as the handle, because the system may give the number of a closed handle to another file.
-    while (!gps.closing_) {
+    for (;;) {
         unsigned char byte = 0;
         switch (gps.port_.ReadByte(byte)) {
             case SerialPort::ReadResult::kByte:

@@ -49,7 +49,6 @@ class GpsImplGen final : public GpsImpl {
     mutable CSmartCritical lock_;
     FixState fix_;
     std::atomic<bool> receiving_{false};
-    std::atomic<bool> closing_{false};
     bool opened_ = false;
     GpsProtType protocol_{};
     const char* portName_ = nullptr;

@@ -27,55 +27,61 @@ double LongReal(const char* begin, const char* end) {
     return value;
 }
 
+// True for a minus.
+bool TakeBlanksAndSign(const char*& at) {
+    while (*at == ' ' || (*at >= '\t' && *at <= '\r')) {
+        ++at;
+    }
+    const bool negative = *at == '-';
+    if (negative || *at == '+') {
+        ++at;
+    }
+    return negative;
+}
+
 }  // namespace
 
-std::int32_t FieldCursor::Integer() {
-    SkipBlanks();
-    const bool negative = TakeSign();
+FieldCursor::Number<std::int32_t> FieldCursor::AnyInteger(const char* at) {
+    const bool negative = TakeBlanksAndSign(at);
     // Held at a value beyond the limits, so that no count of digits overflows.
     constexpr std::int64_t kBeyond = std::int64_t{1} << 40;
     std::int64_t value = 0;
-    for (unsigned digit = DigitValue(*at_); digit <= 9; digit = DigitValue(*++at_)) {
-        value = value * 10 + digit;
-        if (value > kBeyond) {
-            value = kBeyond;
-        }
+    for (unsigned digit = DigitValue(*at); digit <= 9; digit = DigitValue(*++at)) {
+        value = std::min(value * 10 + digit, kBeyond);
     }
     if (negative) {
         value = -value;
     }
     using Limits = std::numeric_limits<std::int32_t>;
-    return value > Limits::max()   ? Limits::max()
-           : value < Limits::min() ? Limits::min()
-                                   : static_cast<std::int32_t>(value);
+    return {static_cast<std::int32_t>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max())), at};
 }
 
-double FieldCursor::Real() {
-    SkipBlanks();
-    const bool negative = TakeSign();
-    const char* const begin = at_;
+FieldCursor::Number<double> FieldCursor::AnyReal(const char* at) {
+    const bool negative = TakeBlanksAndSign(at);
+    const char* const begin = at;
     std::uint64_t mantissa = 0;
-    for (unsigned digit = DigitValue(*at_); digit <= 9; digit = DigitValue(*++at_)) {
+    for (unsigned digit = DigitValue(*at); digit <= 9; digit = DigitValue(*++at)) {
         mantissa = mantissa * 10 + digit;
     }
-    std::ptrdiff_t digits = at_ - begin;
+    std::ptrdiff_t digits = at - begin;
     std::ptrdiff_t fraction = 0;
-    if (*at_ == '.') {
-        const char* const point = at_++;
-        for (unsigned digit = DigitValue(*at_); digit <= 9; digit = DigitValue(*++at_)) {
+    if (*at == '.') {
+        const char* const point = at++;
+        for (unsigned digit = DigitValue(*at); digit <= 9; digit = DigitValue(*++at)) {
             mantissa = mantissa * 10 + digit;
         }
-        fraction = at_ - point - 1;
+        fraction = at - point - 1;
         digits += fraction;
     }
     if (digits == 0) {
-        return 0;
+        return {0, at};
     }
     // Exact integer divided by exact power of ten: the result is rounded once, that is correctly.
     const double value = digits <= kMaxFastDigits && mantissa <= kMaxExactInteger
-                             ? static_cast<double>(mantissa) / kPowersOfTen[static_cast<std::size_t>(fraction)]
-                             : LongReal(begin, at_);
-    return negative ? -value : value;
+                             ? static_cast<double>(static_cast<std::int64_t>(mantissa)) /
+                                   kPowersOfTen[static_cast<std::size_t>(fraction)]
+                             : LongReal(begin, at);
+    return {negative ? -value : value, at};
 }
 
 }  // namespace quarlin::gps

@@ -32,7 +32,11 @@ std::uint32_t LineType(const char* line) {
 
 // "5321.6802" is 53 degrees and 21.6802 minutes.
 double Degrees(double ddmm) {
-    const double degrees = std::trunc(ddmm / 100);
+    // A conversion there and back cuts the fraction off at once; std::trunc may be a call.
+    constexpr double kFitting = 1e9;
+    const double hundredth = ddmm / 100;
+    const double degrees =
+        std::abs(hundredth) < kFitting ? static_cast<std::int32_t>(hundredth) : std::trunc(hundredth);
     return degrees + (ddmm - degrees * 100) / 60;
 }
 
@@ -93,7 +97,7 @@ void ParseGsa(FixState& fix, FieldCursor field) {
         if (!field.Next()) {
             return;
         }
-        if (!field.IsEmpty() && !field.IsAtEnd()) {
+        if (!field.HoldsNothing()) {
             fix.used.Add(field.Integer());
         }
     }
@@ -142,17 +146,15 @@ bool TakeBlock(FixState& fix, Table& table, FieldCursor& field) {
     if (!field.Next()) {
         return false;
     }
-    if (field.IsEmpty()) {
+    if (field.HoldsNothing()) {
         StoreSatellite(fix, table, {.PRN = -1, .Elevation = 0, .Azimuth = 0, .SNR = 0, .used = 0});
         return field.Skip(kFieldsBehindPrn);
     }
     GpsGlonassSatellite satellite{};
     satellite.PRN = field.Integer();
-    for (std::int32_t* const value : {&satellite.Elevation, &satellite.Azimuth, &satellite.SNR}) {
-        if (!field.Next()) {
-            return false;
-        }
-        *value = field.Integer();
+    if (!field.NextInteger(satellite.Elevation) || !field.NextInteger(satellite.Azimuth) ||
+        !field.NextInteger(satellite.SNR)) {
+        return false;
     }
     satellite.used = fix.used.Contains(satellite.PRN) ? 1 : 0;
     StoreSatellite(fix, table, satellite);
@@ -164,14 +166,12 @@ bool TakeBlock(FixState& fix, Table& table, FieldCursor& field) {
 template <typename Table>
 void ParseGsv(FixState& fix, Table& table, FieldCursor field) {
     constexpr bool kIsGps = std::is_same_v<Table, decltype(fix.gps)>;
-    std::array<std::int32_t, 3> header{};
-    for (std::int32_t& value : header) {
-        if (!field.Next()) {
-            return;
-        }
-        value = field.Integer();
+    std::int32_t messages = 0;
+    std::int32_t message = 0;
+    std::int32_t inView = 0;
+    if (!field.NextInteger(messages) || !field.NextInteger(message) || !field.NextInteger(inView)) {
+        return;
     }
-    const auto [messages, message, inView] = header;
 
     // GLONASS counts as absent once this many GPS sentences have come without one of its own.
     constexpr std::int32_t kGlonassPatience = 10;

@@ -56,14 +56,19 @@ void SerialPort::Configure() {
 }
 
 void SerialPort::Close() {
-    CloseHandle(handle_);
+    CloseHandle(handle_.exchange(INVALID_HANDLE_VALUE));
 }
 
 SerialPort::ReadResult SerialPort::ReadByte(unsigned char& byte) const {
+    const HANDLE handle = handle_;
+    if (handle == INVALID_HANDLE_VALUE) {
+        // The system may have given the number of the closed handle to another file already.
+        return ReadResult::kClosed;
+    }
     // A read that times out need not set an error: an old one must not be taken for its own.
     SetLastError(ERROR_SUCCESS);
     DWORD bytesRead = 0;
-    if (ReadFile(handle_, &byte, 1, &bytesRead, nullptr) && bytesRead == 1) {
+    if (ReadFile(handle, &byte, 1, &bytesRead, nullptr) && bytesRead == 1) {
         return ReadResult::kByte;
     }
     return GetLastError() == ERROR_INVALID_HANDLE ? ReadResult::kClosed : ReadResult::kNothing;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <atomic>
 #include <windows.h>
 
 namespace quarlin::gps {
@@ -20,7 +21,7 @@ class SerialPort {
     // failed.
     void Open(const char* name);
 
-    // Also ends a read that is pending on another thread.
+    // Also ends a read that is pending on another thread, and every later one.
     void Close();
 
     enum class ReadResult {
@@ -33,7 +34,8 @@ class SerialPort {
   private:
     void Configure();
 
-    HANDLE handle_ = INVALID_HANDLE_VALUE;
+    // Read by the reading thread while another closes the port.
+    std::atomic<HANDLE> handle_{INVALID_HANDLE_VALUE};
 };
 
 }  // namespace quarlin::gps

@@ -1,0 +1,63 @@
+# SPDX-License-Identifier: Apache-2.0
+# shellcheck shell=bash
+# What up, run and down have in common; sourced by them.
+
+here=$(cd "${BASH_SOURCE[0]%/*}" && pwd)
+source_dir=${here%/sim/machine}
+# One machine serves every build folder of this checkout.
+machine=${QLSIM_MACHINE_DIR:-$source_dir/build/machine}
+
+export WINEPREFIX=$machine/prefix
+export WINELOADER=/usr/lib/wine/wine64
+export WINEDEBUG=${WINEDEBUG:--all}
+# serialui: ours. mscoree, mshtml: absent, so that nobody is asked to install them. winemenubuilder: not wanted.
+export WINEDLLOVERRIDES="serialui=n;mscoree,mshtml=;winemenubuilder.exe=d"
+
+# The stand-ins that are installed into the prefix.
+stand_ins=(serialui.dll qlsim_wbem.dll)
+
+# process_runs PID_FILE WORD: whether the process noted in the file is alive and is the one meant.
+process_runs() {
+    local pid words=()
+    [[ -r $1 ]] && read -r pid <"$1" && [[ -r /proc/$pid/cmdline ]] || return 1
+    mapfile -d '' words <"/proc/$pid/cmdline" 2>/dev/null || return 1
+    [[ ${words[*]} == *"$2"* ]]
+}
+
+# A pid file is NAME.starting until `up` has found its process ready for use; then it is NAME.pid.
+machine_is_up() {
+    process_runs "$machine/keeper.pid" cmd && process_runs "$machine/cable.pid" serial_cable.py
+}
+
+# stand_ins_are_current BUILD_DIR: false when the build folder holds a newer stand-in than the prefix.
+stand_ins_are_current() {
+    local name
+    for name in "${stand_ins[@]}"; do
+        if [[ $1/sim/$name -nt $WINEPREFIX/drive_c/windows/system32/$name ]]; then
+            return 1
+        fi
+    done
+}
+
+stop_cables() {
+    local file pid
+    for file in "$machine"/cable.starting "$machine"/cable.pid; do
+        if process_runs "$file" serial_cable.py; then
+            read -r pid <"$file"
+            kill "$pid"
+            while process_runs "$file" serial_cable.py; do
+                sleep 0.02
+            done
+        fi
+        rm -f "$file"
+    done
+}
+
+# Ends every program on the machine.
+stop_prefix() {
+    if [[ -d $WINEPREFIX ]]; then
+        wineserver -k 2>/dev/null || true
+        wineserver -w
+    fi
+    rm -f "$machine"/keeper.starting "$machine"/keeper.pid "$machine"/keeper.fifo
+}
