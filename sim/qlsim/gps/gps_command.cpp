@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "gps/gps_command.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+
+namespace quarlin::sim {
+namespace {
+
+using Verb = GpsCommand::Verb;
+
+constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
+
+void ParseNothing(const Words&, GpsCommand&) {
+}
+
+void ParseSwitch(const Words& words, GpsCommand& command) {
+    command.on = SwitchArgument(words[1]);
+}
+
+void ParseProbability(const Words& words, GpsCommand& command) {
+    command.probability = ProbabilityArgument(words[1]);
+}
+
+void ParseSatellites(const Words& words, GpsCommand& command) {
+    const std::string& word = words[1];
+    if (word == "all") {
+        return;
+    }
+    std::size_t count = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), count);
+    if (error != std::errc() || end != word.data() + word.size()) {
+        throw CommandError("\"" + word + "\" is neither a number of satellites nor \"all\"");
+    }
+    command.satellites = count;
+}
+
+void ParseReplay(const Words& words, GpsCommand& command) {
+    command.text = words[1];
+    for (std::size_t i = 2; i < words.size(); ++i) {
+        const std::string& word = words[i];
+        if (word == "full-speed" || word == "paced") {
+            command.fullSpeed = word == "full-speed";
+        } else if (word == "then-silent" || word == "then-resume") {
+            command.thenSilent = word == "then-silent";
+        } else {
+            throw CommandError("\"" + word + "\" is none of paced, full-speed, then-resume and then-silent");
+        }
+    }
+}
+
+void ParseText(const Words& words, GpsCommand& command) {
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        command.text += (i == 1 ? "" : " ") + words[i];
+    }
+}
+
+int HexDigit(char c) {
+    constexpr std::string_view kLower = "0123456789abcdef";
+    const std::size_t value = kLower.find(c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c);
+    return value == std::string_view::npos ? -1 : static_cast<int>(value);
+}
+
+// \r \n \\ and \x with two hexadecimal digits.
+void ParseBytes(const Words& words, GpsCommand& command) {
+    GpsCommand escaped;
+    ParseText(words, escaped);
+    const std::string& text = escaped.text;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\') {
+            command.text += text[i];
+            continue;
+        }
+        const char kind = i + 1 < text.size() ? text[++i] : '\0';
+        if (kind == 'x' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 && HexDigit(text[i + 2]) >= 0) {
+            command.text += static_cast<char>(HexDigit(text[i + 1]) * 16 + HexDigit(text[i + 2]));
+            i += 2;
+        } else if (kind == 'r' || kind == 'n' || kind == '\\') {
+            command.text += kind == 'r' ? '\r' : kind == 'n' ? '\n' : '\\';
+        } else {
+            throw CommandError("after a backslash come r, n, a second backslash, or x and two hexadecimal digits");
+        }
+    }
+}
+
+struct Row {
+    const char* name;
+    Verb verb;
+    std::size_t least;  // arguments
+    std::size_t most;
+    const char* usage;
+    void (*parse)(const Words&, GpsCommand&);
+};
+
+constexpr std::array<Row, 13> kRows = {{
+    {"lose-fix", Verb::kLoseFix, 0, 0, "lose-fix", ParseNothing},
+    {"regain-fix", Verb::kRegainFix, 0, 0, "regain-fix", ParseNothing},
+    {"unplug", Verb::kUnplug, 0, 0, "unplug", ParseNothing},
+    {"plug", Verb::kPlug, 0, 0, "plug", ParseNothing},
+    {"silence", Verb::kSilence, 1, 1, "silence on|off", ParseSwitch},
+    {"noise", Verb::kNoise, 1, 1, "noise PROBABILITY", ParseProbability},
+    {"drop", Verb::kDrop, 1, 1, "drop PROBABILITY", ParseProbability},
+    {"bad-checksum", Verb::kBadChecksum, 1, 1, "bad-checksum PROBABILITY", ParseProbability},
+    {"satellites", Verb::kSatellites, 1, 1, "satellites NUMBER|all", ParseSatellites},
+    {"replay", Verb::kReplay, 1, 3, "replay FILE [paced|full-speed] [then-resume|then-silent]", ParseReplay},
+    {"send", Verb::kSend, 1, kAny, "send TEXT", ParseText},
+    {"send-bytes", Verb::kSendBytes, 1, kAny, "send-bytes TEXT", ParseBytes},
+    {"status", Verb::kStatus, 0, 0, "status", ParseNothing},
+}};
+
+}  // namespace
+
+GpsCommand ParseGpsCommand(const Words& words) {
+    if (words.empty()) {
+        throw CommandError("a command is missing; \"help\" lists what there is");
+    }
+    const auto row = std::find_if(kRows.begin(), kRows.end(), [&](const Row& r) { return r.name == words.front(); });
+    if (row == kRows.end()) {
+        std::vector<std::string> names;
+        for (const Row& known : kRows) {
+            names.emplace_back(known.name);
+        }
+        throw CommandError("there is no command \"" + words.front() + "\"" + Suggestion(words.front(), names));
+    }
+    const std::size_t arguments = words.size() - 1;
+    if (arguments < row->least || arguments > row->most) {
+        throw CommandError("the command has to be: " + std::string(row->usage));
+    }
+    GpsCommand command;
+    command.verb = row->verb;
+    row->parse(words, command);
+    return command;
+}
+
+std::vector<std::string> GpsCommandUsage() {
+    std::vector<std::string> usage;
+    for (const Row& row : kRows) {
+        usage.emplace_back(row.usage);
+    }
+    return usage;
+}
+
+}  // namespace quarlin::sim

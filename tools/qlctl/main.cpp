@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "commands/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+namespace {
+
+using namespace quarlin::qlctl;
+
+std::string ExitStatusHelp() {
+    std::string text = "Exit status:\n";
+    for (const ExitStatusRow& row : ExitStatuses()) {
+        const std::string number = std::to_string(static_cast<int>(row.status));
+        text.append(number.size() < 2 ? "   " : "  ").append(number).append("  ").append(row.meaning).append("\n");
+    }
+    return text +
+           "\nExamples:\n"
+           "  qlctl info\n"
+           "  qlctl gps status --port 3\n"
+           "  qlctl gps watch --help";
+}
+
+ExitStatus Run(const Chosen& chosen) {
+    Output output;
+    try {
+        return chosen.run(output);
+    } catch (const Failure& failure) {
+        std::cerr << "qlctl: " << failure.what() << '\n';
+        return failure.Status();
+    } catch (const std::exception& error) {
+        std::cerr << "qlctl: error: " << error.what() << '\n';
+        return ExitStatus::kSystem;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App program("Shows what qlsdk.dll knows about this machine and its devices.", "qlctl");
+    program.require_subcommand(1);
+    program.set_version_flag("--version", "qlctl " QLCTL_VERSION);
+    program.set_help_all_flag("--help-all", "Print the help of all commands and exit");
+    program.footer(ExitStatusHelp());
+    program.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return std::string("qlctl: ") + error.what() + "\nRun with --help for more information.\n";
+    });
+    Chosen chosen;
+    AddInfoCommand(program, chosen);
+    AddGpsCommands(program, chosen);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help and the version come this way too, with 0.
+        return static_cast<int>(program.exit(error) == 0 ? ExitStatus::kDone : ExitStatus::kUsage);
+    }
+    return static_cast<int>(Run(chosen));
+}
