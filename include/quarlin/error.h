@@ -7,10 +7,11 @@
  * -----------------------
  * - Prefixes: QLAPI_ errors, QLSTR_ text, QLLIB_ and QLMISC_ the library and the machine, QLGPS_ (and
  *   GPS_VerifyAvailable) the GPS receiver.
- * - Every function but QLAPI_GetLastError returns a QLerr. Codes decide, texts explain: branch on the code, show the
- *   text to a person. The texts are fixed English sentences.
+ * - Every function returns a QLerr; that of QLAPI_GetLastError is the code that it fetched. Codes decide,
+ *   texts explain: branch on the code, show the text to a person. The texts are fixed English sentences.
  * - A failing call leaves its code and its text for the calling thread; QLAPI_GetLastError fetches them, once. A
- *   succeeding call erases what an earlier one left. No thread sees another thread's record.
+ *   succeeding call erases what an earlier one left (the three QLMISC_ functions that do nothing erase nothing either).
+ *   No thread sees another thread's record.
  * - Narrow text is UTF-8, wide text is UTF-16. Sizes of text buffers count elements (char or wchar_t), terminator
  *   included, unless said otherwise.
  * - All buffers belong to the caller. The library keeps no pointer beyond the call, except where a function says so.
@@ -23,16 +24,17 @@
 
 #include "export.h"
 
+QL_ENUM_TYPE(QLerr);
 /**
  * Result of a call. The first seven are used by every family; the QLERR_UHFRFID_ codes by the UHF RFID family alone:
  * 65536 plus the status byte of the reader, or 65536 plus 256 and more for a failure of the transport itself.
  */
-typedef enum QLerr QL_ENUM_INT32 {
+enum QLerr QL_ENUM_INT32 {
     /** The call did what it says. */
     QLERR_OK = 0,
     /** The caller passed a value or a pointer that the function refuses. */
     QLERR_INVALID_ARGUMENT = 1,
-    /** The caller called at the wrong time: not initialised, already enabled, port not to be opened. */
+    /** The caller called at the wrong time: not initialised, or the port cannot be opened now. */
     QLERR_INVALID_STATE = 2,
     /** The device answered wrongly or not at all. */
     QLERR_IO_ERROR = 3,
@@ -73,26 +75,27 @@ typedef enum QLerr QL_ENUM_INT32 {
     QLERR_UHFRFID_SYSTEM = 0x1010A,
     QLERR_UHFRFID_DEVICENOTFOUND = 0x1010B,
     QLERR_UHFRFID_UNCLASSIFIED = 0x1010C
-} QLerr;
+};
 
 QL_BEGIN_C
 
 /**
  * Fetches the calling thread's last error and forgets it.
  *
- * @param buffer      receives the text, UTF-8, always with a terminator. Must hold @p bufferSize bytes. The longest
- * text is that of an operating-system failure; 1024 bytes are plenty.
- * @param bufferSize  size of @p buffer in bytes, terminator included. Below 1 nothing is written when there is no
- *                    error, and @p buffer may then be null.
+ * @param buffer      receives the text, UTF-8, with a terminator. The longest text is that of an operating-system
+ *                    failure; 1024 bytes are plenty.
+ * @param bufferSize  size of @p buffer in bytes, terminator included. When there is no error, a size below 1 writes
+ *                    nothing, and @p buffer may then be null.
  *
- * @return the code of the thread's last failed call; QLERR_OK with an empty text when the thread's last call
- *         succeeded, when it made none, or when the error was fetched before.
+ * @return the code of the thread's last failed call; QLERR_OK with an empty text when there is none: the thread's last
+ *         call succeeded, or the error was fetched before.
  *
- * A text that does not fit (30 characters into a @p bufferSize of 10: 9 characters and a terminator are written), or a
- * @p bufferSize below 1 while there is an error, is itself a failure. It has no record to go to, so it leaves this
- * function, and only this one, as a C++ exception derived from std::runtime_error ("Failed to copy string" and the
- * system's text); the error stays to be fetched with a larger buffer. A caller that cannot catch it must offer enough
- * room.
+ * When there is an error, a text that does not fit (30 characters into a @p bufferSize of 10: 9 characters and a
+ * terminator are written) is itself a failure, and so is a @p bufferSize of 0 (nothing is written) or below 0 (a
+ * terminator is written at buffer[0]). Such a failure has no record to go to, so it leaves this function, and only this
+ * one, as a C++ exception derived from std::runtime_error ("Failed to copy string" and the system's text); the error
+ * stays to be fetched with a larger buffer. A caller that cannot catch it must offer enough room. (On a system without
+ * message texts nothing is thrown: the cut text stays in the buffer and the error counts as fetched.)
  *
  * Threads: any; each thread has its own record.
  */

@@ -20,12 +20,19 @@
 #define QL_C_API extern "C" QL_IMPORT
 #define QL_BEGIN_C extern "C" {
 #define QL_END_C }
-/* Every enumeration of the interface is a signed 32-bit integer on the wire. */
-#define QL_ENUM_INT32 : int32_t
 #else
 #define QL_C_API QL_IMPORT
 #define QL_BEGIN_C
 #define QL_END_C
+#endif
+
+/* Every enumeration of the interface is a signed 32-bit integer. C leaves the integer to its compiler, so that there
+ * the type's name stands for the integer itself, and the enumeration for the constants. */
+#ifdef __cplusplus
+#define QL_ENUM_TYPE(name) enum name : int32_t
+#define QL_ENUM_INT32 : int32_t
+#else
+#define QL_ENUM_TYPE(name) typedef int32_t name
 #define QL_ENUM_INT32
 #endif
 

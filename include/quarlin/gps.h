@@ -30,26 +30,29 @@
 
 #include <stdbool.h>
 
+QL_ENUM_TYPE(FixMode);
 /** Kind of fix, from the last GSA sentence. */
-typedef enum FixMode QL_ENUM_INT32 {
+enum FixMode QL_ENUM_INT32 {
     /** No GSA sentence has come yet. */
     FIX_MODE_UNKNOWN = 0,
     FIX_MODE_NO_FIX = 1,
     FIX_MODE_2D = 2,
     FIX_MODE_3D = 3
-} FixMode;
+};
 
+QL_ENUM_TYPE(FixSelection);
 /** How the receiver chooses between 2-D and 3-D, from the last GSA sentence. */
-typedef enum FixSelection QL_ENUM_INT32 {
+enum FixSelection QL_ENUM_INT32 {
     /** Forced; also the value before the first GSA sentence. */
     FIX_SELECTION_MANUAL = 0,
     FIX_SELECTION_AUTOMATIC = 1
-} FixSelection;
+};
 
+QL_ENUM_TYPE(GpsProtType);
 /** Protocol of the receiver. */
-typedef enum GpsProtType QL_ENUM_INT32 {
+enum GpsProtType QL_ENUM_INT32 {
     GPS_PROTOCOL_NMEA = 1
-} GpsProtType;
+};
 
 /** One satellite in view; 20 bytes. */
 typedef struct GpsGlonassSatellite {
@@ -91,7 +94,9 @@ QL_IMPORT QLerr QLGPS_Uninitialize(void);
  * the DLL loaded.
  *
  * @return QLERR_OK; QLERR_INVALID_STATE when not initialised, or "CreateFile failed", "SetCommState failed",
- *         "SetComTimeouts failed", "CreateThread Failed" for the step that failed. Enabling may be tried again.
+ *         "SetComTimeouts failed", "CreateThread Failed" for the step that failed. After "CreateFile failed" try
+ *         again when the port is there. After the three others this process keeps the port taken until it ends, and a
+ *         further try may find it so.
  */
 QL_IMPORT QLerr QLGPS_Enable(void);
 
@@ -118,7 +123,8 @@ QL_IMPORT QLerr QLGPS_IsEnabled(bool* enabled);
 QL_IMPORT QLerr QLGPS_GetBearing(double* bearing);
 
 /**
- * Position. The three values are read together: none is newer than the sentence that gave the others.
+ * Position. The three values are read in one step, between two sentences. (A sentence that the receiver cut short may
+ * have renewed the latitude alone.)
  * @param latitude   receives decimal degrees, south negative.
  * @param longitude  receives decimal degrees, west negative.
  * @param altitude   receives the antenna's height above mean sea level in metres.
@@ -226,9 +232,10 @@ QL_CPP_API QLerr QLGPS_GetDeviceFirmwareVersion(char* buffer, int size)
  * Name of the receiver that this machine's model carries, "LEADTEK Mod:LR9101". Needs no initialisation.
  * @param buffer  receives the text, or "NOT_SUPPORTED" when the model has no known receiver.
  * @param size    size of @p buffer in bytes, at least 20.
- * @return QLERR_OK; QLERR_BUFFER_OVERFLOW when @p size is below 20 ("buf size is too small"); the failures of
- *         QLMISC_GetModelNumber; QLERR_BUFFER_OVERFLOW when @p buffer is null ("module_name arg cannot be NULL");
- *         QLERR_OP_UNSUPPORTED when the model has no known receiver ("UNKNOWN DEVICE").
+ * @return QLERR_OK; QLERR_BUFFER_OVERFLOW when @p size is below 20 ("buf size is too small"); the failures of the
+ *         management query, for which it also waits as QLMISC_GetModelNumber does; QLERR_BUFFER_OVERFLOW when
+ *         @p buffer is null ("module_name arg cannot be NULL"); QLERR_OP_UNSUPPORTED when the model has no known
+ *         receiver ("UNKNOWN DEVICE").
  */
 QL_CPP_API QLerr QLGPS_GetDeviceName(char* buffer, int size) QL_CPP_NAME("_Z19QLGPS_GetDeviceNamePci");
 

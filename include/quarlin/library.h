@@ -56,7 +56,9 @@ QL_IMPORT QLerr QLLIB_GetModelNumber(wchar_t* buffer, int* size);
  * @param length      receives the length of the text without terminator; may be null. Filled before the copy.
  *
  * @return QLERR_OK; QLERR_INTERNAL_ERROR when a management step fails ("Could not connect to WMI" and so on, with its
- *         HRESULT) or the copy does ("Failed to copy string" and the system's text).
+ *         HRESULT; "WMI Service not initialized" without one), when the model has more than 249 bytes in UTF-8 although
+ *         it has fewer than 250 characters ("Unicode to multibyte conversion failed" and the system's text), or when
+ * the copy fails ("Failed to copy string" and the system's text).
  *
  * Threads: any. Calls wait for one another. A call that fails keeps its thread the only one that can ask again: calls
  * of other threads wait until the process ends.

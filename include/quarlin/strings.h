@@ -3,16 +3,19 @@
  * @file strings.h
  * The library's own rules for text in buffers of fixed size: copy, print and convert, never beyond the count.
  *
- * Counts are elements of the buffer's kind, terminator included. A text that does not fit is cut to count - 1 elements,
- * gets its terminator, and the call fails: a cut text is never reported as a success. 4 is too few for "abcd" ("abc"
- * is left in the buffer), 5 is enough.
+ * Counts are elements of the buffer's kind, terminator included. Copies and prints cut a text that does not fit to
+ * count - 1 elements, add the terminator, and fail: a cut text is never reported as a success. 4 is too few for "abcd"
+ * ("abc" is left in the buffer), 5 is enough. A conversion that fails leaves the buffer with anything in it, also
+ * without a terminator. Text that is not well-formed UTF-8 or UTF-16 is converted with replacement characters.
  *
- * Codes, for all functions of this header:
+ * Codes:
  * - QLERR_OK.
- * - QLERR_INTERNAL_ERROR: the text did not fit, the count is below 1, a pointer is null, or a text is not convertible.
- *   The last error reads "Failed to copy string", "Failed to print formatted string", "Multibyte to unicode conversion
- *   failed" or "Unicode to multibyte conversion failed", a line end, and the system's code and text.
- * - QLERR_INVALID_ARGUMENT: a required count pointer is null ("The argument count cannot be NULL."). Nothing is written.
+ * - QLERR_INTERNAL_ERROR: the text did not fit, the count is below 1 (below 0 for conversions), or a text or buffer
+ *   pointer is null. The last error reads "Failed to copy string", "Failed to print formatted string", "Multibyte to
+ *   unicode conversion failed" or "Unicode to multibyte conversion failed", a line end, and the system's code and text.
+ * - QLERR_INVALID_ARGUMENT: a required count pointer is null ("The argument count cannot be NULL."). Nothing is
+ * written.
+ * - QLERR_BUFFER_OVERFLOW: QLSTR_CppStrToCStr alone.
  *
  * Threads: any, all functions may overlap. No pointer is kept.
  */

@@ -19,10 +19,9 @@ constexpr const wchar_t* kLogFile = L"\\qlsdk.log";
 
 using Path = std::array<wchar_t, 260>;
 
-void Append(Path& path, const wchar_t* piece) {
+bool Append(Path& path, const wchar_t* piece) {
     const std::size_t length = std::wcslen(path.data());
-    // A piece that does not fit is cut; opening the file then fails, and logging stays off.
-    BoundedCopy(path.data() + length, static_cast<int>(path.size() - length), piece);
+    return BoundedCopy(path.data() + length, static_cast<int>(path.size() - length), piece) == kTextOk;
 }
 
 bool IsLogEnabled() {
@@ -31,20 +30,20 @@ bool IsLogEnabled() {
     return registry.ReadDword(HKEY_LOCAL_MACHINE, kSettingsKey, L"EnableLog", &enabled) && enabled != 0;
 }
 
-// Empty when the system does not tell where common application data lie.
+// Empty when the system does not tell where common application data lie, or when the path is too long: opening it then
+// fails, and logging stays off.
 Path PrepareLogPath() {
     Path folder{};
     Path path{};
-    if (SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, 0, folder.data()))) {
-        Append(folder, kLogFolder);
-        if (!PathIsDirectoryW(folder.data())) {
-            // One level only: a missing parent makes the opening of the file fail.
-            CreateDirectoryW(folder.data(), nullptr);
-        }
-        Append(path, folder.data());
-        Append(path, kLogFile);
+    if (FAILED(SHGetFolderPathW(nullptr, CSIDL_COMMON_APPDATA, nullptr, 0, folder.data())) ||
+        !Append(folder, kLogFolder)) {
+        return path;
     }
-    return path;
+    if (!PathIsDirectoryW(folder.data())) {
+        // One level only: a missing parent makes the opening of the file fail.
+        CreateDirectoryW(folder.data(), nullptr);
+    }
+    return Append(path, folder.data()) && Append(path, kLogFile) ? path : Path{};
 }
 
 // The log is reserved: its file is kept open, positioned at its end, and nothing writes to it yet.

@@ -188,6 +188,8 @@ class CachedModel {
     void Store(const wchar_t* model) {
         if (std::wcslen(model) + 1 < text_.size() + 1) {
             WideToUtf8(text_.data(), static_cast<int>(text_.size()), model);
+            // A conversion that was cut leaves no terminator.
+            text_.back() = '\0';
         }
     }
 

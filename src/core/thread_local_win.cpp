@@ -8,20 +8,35 @@
 
 namespace quarlin {
 
-ThreadLocal::ThreadLocal() {
+namespace {
+
+[[noreturn]] void Fail(const char* message) {
+    throw QuarlinException(QLERR_INTERNAL_ERROR, message);
+}
+
+// The library's own slots are made while it is being loaded, where the system's loader is the only one to catch. The
+// runtime cannot run clean-ups on the way to a handler that is not its own, so nothing that needs one lives here.
+std::uint32_t* MakeIndexCell() {
     const DWORD index = TlsAlloc();
     if (index == TLS_OUT_OF_INDEXES) {
-        throw QuarlinException(QLERR_INTERNAL_ERROR, "Out of TLS indices");
+        Fail("Out of TLS indices");
     }
-    index_.reset(new (std::nothrow) std::uint32_t(index));
-    if (!index_) {
+    auto* const cell = new (std::nothrow) std::uint32_t(index);
+    if (cell == nullptr) {
         TlsFree(index);
-        throw QuarlinException(QLERR_INTERNAL_ERROR, "ThreadLocal is not valid");
+        Fail("ThreadLocal is not valid");
     }
     if (!TlsSetValue(index, nullptr)) {
+        delete cell;
         TlsFree(index);
-        throw QuarlinException(QLERR_INTERNAL_ERROR, "Failed to set TLS value");
+        Fail("Failed to set TLS value");
     }
+    return cell;
+}
+
+}  // namespace
+
+ThreadLocal::ThreadLocal() : index_(MakeIndexCell()) {
 }
 
 ThreadLocal::~ThreadLocal() {

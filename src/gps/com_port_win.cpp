@@ -17,8 +17,9 @@ bool IsComPortAvailable(const char* name) {
         if (error == ERROR_INVALID_PARAMETER) {
             return false;
         }
-        // Returns for an error without a system text; the block is then still zero, which is no RS-232 port.
         ThrowWin32Error("Failed to check COM port availability!", error);
+        // Back here for an error without a system text.
+        return false;
     }
     return config.dwProviderSubType == PST_RS232;
 }

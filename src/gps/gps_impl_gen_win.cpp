@@ -76,7 +76,7 @@ std::int32_t GpsImplGen::GetMaxSat() const {
 
 GpsProtType GpsImplGen::GetProtocol() {
     protocol_ = GPS_PROTOCOL_NMEA;
-    return protocol_;
+    return GPS_PROTOCOL_NMEA;
 }
 
 FixMode GpsImplGen::GetFixMode() const {

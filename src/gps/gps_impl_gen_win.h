@@ -50,7 +50,7 @@ class GpsImplGen final : public GpsImpl {
     FixState fix_;
     std::atomic<bool> receiving_{false};
     bool opened_ = false;
-    GpsProtType protocol_{};
+    std::atomic<GpsProtType> protocol_{};
     const char* portName_ = nullptr;
     SerialPort port_;
     ReaderThread reader_;

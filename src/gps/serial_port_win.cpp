@@ -62,7 +62,8 @@ void SerialPort::Close() {
 SerialPort::ReadResult SerialPort::ReadByte(unsigned char& byte) const {
     const HANDLE handle = handle_;
     if (handle == INVALID_HANDLE_VALUE) {
-        // The system may have given the number of the closed handle to another file already.
+        // The number of the closed handle may belong to another file by now. (A read that starts in the very instant of
+        // the close can still meet that file.)
         return ReadResult::kClosed;
     }
     // A read that times out need not set an error: an old one must not be taken for its own.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <atomic>
 #include <windows.h>
+#include <atomic>
 
 namespace quarlin::gps {
 
@@ -21,7 +21,7 @@ class SerialPort {
     // failed.
     void Open(const char* name);
 
-    // Also ends a read that is pending on another thread, and every later one.
+    // A read that is pending on another thread ends, by its time-out at the latest, and every later one fails.
     void Close();
 
     enum class ReadResult {
