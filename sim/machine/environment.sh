@@ -25,8 +25,27 @@ process_runs() {
 }
 
 # A pid file is NAME.starting until `up` has found its process ready for use; then it is NAME.pid.
+
+# The keeper alone does not tell: it outlives its server for a while when that has died.
+prefix_is_up() {
+    process_runs "$machine/server.pid" wineserver && process_runs "$machine/keeper.pid" cmd
+}
+
 machine_is_up() {
-    process_runs "$machine/keeper.pid" cmd && process_runs "$machine/cable.pid" serial_cable.py
+    prefix_is_up && process_runs "$machine/cable.pid" serial_cable.py
+}
+
+# The pid of the prefix's server, which works in a folder named after the prefix's device and inode.
+server_pid() {
+    local folder pid
+    folder=$(stat -c '%D %i' "$WINEPREFIX")
+    folder=$(printf 'server-%s-%x' "${folder% *}" "${folder#* }")
+    for pid in /proc/[0-9]*; do
+        if [[ $(readlink "$pid/cwd") == */"$folder" ]]; then
+            echo "${pid#/proc/}"
+            return
+        fi
+    done 2>/dev/null
 }
 
 # stand_ins_are_current BUILD_DIR: false when the build folder holds a newer stand-in than the prefix.
@@ -59,5 +78,5 @@ stop_prefix() {
         wineserver -k 2>/dev/null || true
         wineserver -w
     fi
-    rm -f "$machine"/keeper.starting "$machine"/keeper.pid "$machine"/keeper.fifo
+    rm -f "$machine"/keeper.starting "$machine"/keeper.pid "$machine"/keeper.fifo "$machine"/server.pid
 }

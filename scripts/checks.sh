@@ -1,0 +1,86 @@
+# shellcheck shell=bash
+# SPDX-License-Identifier: Apache-2.0
+# What can be said about the sources without running them.
+
+# Recordings and fuzz seeds are kept byte for byte.
+text_files() {
+    repository_files | grep -vE '\.(nmea|png|ico)$|^fuzz/(corpus|seeds)/|^LICENSE$'
+}
+
+script_files() {
+    text_files | while IFS= read -r file; do
+        if [[ $(head -c 64 "$file" | head -n 1) =~ ^'#!'.*'bash' ]]; then
+            printf '%s\n' "$file"
+        fi
+    done
+}
+
+# no_line PATTERN MEANING: no text file has a line that matches.
+no_line() {
+    local hits
+    hits=$(text_files | xargs -d '\n' grep -nIP -e "$1" --) || return 0
+    printf '%s:\n%s\n' "$2" "$hits"
+    return 1
+}
+
+check_hygiene() {
+    local bad=0 file
+    no_line '\r' 'carriage return' || bad=1
+    no_line '\t' 'tab' || bad=1
+    no_line '[ \t]+$' 'blank at the end of a line' || bad=1
+    no_line '\b(TO''DO|FIX''ME|XX''X)\b' 'unfinished' || bad=1
+    while IFS= read -r file; do
+        if ! head -n 2 "$file" | grep -q 'SPDX-License-Identifier: Apache-2.0'; then
+            printf '%s: the licence line is missing from the first two lines\n' "$file"
+            bad=1
+        fi
+    done < <({
+        cpp_files
+        script_files
+        repository_files | grep '\.py$'
+    } | sort -u)
+    while IFS= read -r file; do
+        if [[ -s $file && -n $(tail -c 1 "$file") ]]; then
+            printf '%s: no line end at the end of the file\n' "$file"
+            bad=1
+        fi
+    done < <(text_files)
+    return $bad
+}
+
+check_format() {
+    cpp_files | xargs -d '\n' clang-format --dry-run -Werror
+}
+
+check_scripts() {
+    script_files | grep -v '^scripts/' | xargs -d '\n' shellcheck --external-sources
+}
+
+# The sources of ours that the native preset compiles: the logic, its unit tests, the benchmarks.
+lint_files() {
+    python3 - <<'PYTHON'
+import json, os
+root = os.getcwd() + os.sep
+files = {os.path.normpath(entry["file"]) for entry in json.load(open("build/native/compile_commands.json"))}
+for file in sorted(files):
+    if file.startswith(root + "src" + os.sep):
+        print(file[len(root):])
+PYTHON
+}
+
+# lint_one FILE HEADERS: a file that passed is not looked at again until it, a header or the settings change.
+lint_one() {
+    local stamp
+    stamp=build/lint/$(cat "$1" <(printf '%s' "$2") | sha256sum | cut -c 1-40)
+    [[ ! -f $stamp ]] || return 0
+    printf '%s\n' "$1"
+    clang-tidy -p build/native --quiet --warnings-as-errors='*' "$1" 2> >(grep -v 'warnings generated' >&2) && : >"$stamp"
+}
+export -f lint_one
+
+check_lint() {
+    local headers
+    headers=$(repository_files | grep -E '\.h$|(^|/)\.clang-tidy$' | xargs -d '\n' cat | sha256sum)
+    mkdir -p build/lint
+    lint_files | xargs -d '\n' -P "$(nproc)" -I '{}' bash -c 'lint_one "$1" "$2"' lint '{}' "$headers"
+}
