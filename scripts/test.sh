@@ -10,13 +10,19 @@ passed_cases() {
     sed -nE 's/^\[  PASSED  \] ([0-9]+) tests?\.\r?$/\1/p' "$1" | awk '{ sum += $1 } END { print sum + 0 }'
 }
 
-# run_tests PRESET TITLE [REGEX]: a preset's tests, and their count for the last lines.
+# run_tests PRESET TITLE [REGEX]: a preset's tests, and their count for the last lines. The checked DLL has none of its
+# own: the system tests of the release build run on it.
 run_tests() {
-    local preset=$1 title=$2 regex=${3:-}
-    local -a arguments=(--test-dir "build/$preset" --output-on-failure -j "$(nproc)" --no-tests=error)
+    local preset=$1 title=$2 regex=${3:-} tests=build/$1 library_dir=
+    local -a arguments=(--output-on-failure -j "$(nproc)" --no-tests=error)
+    if [[ $preset == windows-checked ]]; then
+        tests=build/windows
+        library_dir=$PWD/build/$preset/bin
+        arguments+=(-L '^system$')
+    fi
     [[ -z $regex ]] || arguments+=(-R "$regex" --no-tests=ignore)
     # Brief: of the cases, those that fail.
-    GTEST_BRIEF=1 step --soft "$title" ctest "${arguments[@]}"
+    QLSIM_LIBRARY_DIR=$library_dir GTEST_BRIEF=1 step --soft "$title" ctest --test-dir "$tests" "${arguments[@]}"
 
     local verdict skipped ran
     verdict=$(grep -E '^[0-9]+% tests passed' "$step_log") || verdict='no test matches'
@@ -24,7 +30,7 @@ run_tests() {
     ran=$(sed -nE 's/^[0-9]+% tests passed,.* out of ([0-9]+)$/\1/p' "$step_log")
     tests_ran=$((tests_ran + ${ran:-0} - skipped))
     if [[ -n $ran ]]; then
-        verdict+=", $(passed_cases "build/$preset/Testing/Temporary/LastTest.log") cases passed"
+        verdict+=", $(passed_cases "$tests/Testing/Temporary/LastTest.log") cases passed"
     fi
     [[ $skipped == 0 ]] || verdict+=", $skipped skipped"
     printf '        %s\n' "$verdict"

@@ -118,6 +118,10 @@ struct EarlyEnd {
     double altitude;
 };
 
+void PrintTo(const EarlyEnd& end, std::ostream* stream) {
+    *stream << end.sentence;
+}
+
 class GgaThatEndsEarly : public testing::TestWithParam<EarlyEnd> {};
 
 TEST_P(GgaThatEndsEarly, KeepsWhatCameBefore) {
@@ -155,6 +159,10 @@ struct Quality {
     int stored;
     int mapped;
 };
+
+void PrintTo(const Quality& quality, std::ostream* stream) {
+    *stream << quality.field;
+}
 
 class GgaQuality : public testing::TestWithParam<Quality> {};
 

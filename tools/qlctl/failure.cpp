@@ -74,7 +74,7 @@ constexpr std::array kCodes{
 
 constexpr int32_t kFirstRfidCode = 0x10000;
 
-/// System texts end in a line break and put one between the library's words and their own.
+// System texts end in a line break and put one between the library's words and their own.
 std::string InOneLine(const std::string& text) {
     constexpr const char* kBreaks = "\r\n";
     std::string line;
@@ -124,11 +124,11 @@ std::string Describe(const LibraryError& error) {
            "): " + InOneLine(error.message);
 }
 
-Failure::Failure(ExitStatus status, const std::string& text) : std::runtime_error("error: " + text), m_status(status) {
+Failure::Failure(ExitStatus status, const std::string& text) : std::runtime_error("error: " + text), status_(status) {
 }
 
 Failure::Failure(const LibraryError& error)
-    : std::runtime_error(Describe(error)), m_status(StatusOf(error.code)), m_cause(error) {
+    : std::runtime_error(Describe(error)), status_(StatusOf(error.code)), cause_(error) {
 }
 
 }  // namespace quarlin::qlctl

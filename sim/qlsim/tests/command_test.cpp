@@ -11,6 +11,10 @@ struct Split {
     Words words;
 };
 
+void PrintTo(const Split& split, std::ostream* stream) {
+    *stream << ::testing::PrintToString(split.line);
+}
+
 class CommandLine : public ::testing::TestWithParam<Split> {};
 
 TEST_P(CommandLine, IsSplitIntoWordsAndPutTogetherAgain) {

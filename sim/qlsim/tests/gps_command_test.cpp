@@ -17,6 +17,10 @@ struct Accepted {
     Verb verb;
 };
 
+void PrintTo(const Accepted& accepted, std::ostream* stream) {
+    *stream << ::testing::PrintToString(accepted.line);
+}
+
 class AcceptedCommand : public ::testing::TestWithParam<Accepted> {};
 
 TEST_P(AcceptedCommand, IsUnderstood) {
@@ -37,6 +41,10 @@ struct Refused {
     const char* line;
     const char* sentence;
 };
+
+void PrintTo(const Refused& refused, std::ostream* stream) {
+    *stream << ::testing::PrintToString(refused.line);
+}
 
 class RefusedCommand : public ::testing::TestWithParam<Refused> {};
 

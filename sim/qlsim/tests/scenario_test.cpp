@@ -22,6 +22,10 @@ struct Bad {
     const char* errors;
 };
 
+void PrintTo(const Bad& bad, std::ostream* stream) {
+    *stream << ::testing::PrintToString(bad.text);
+}
+
 class BadScenario : public ::testing::TestWithParam<Bad> {};
 
 TEST_P(BadScenario, IsReportedWithPlaceAndSentence) {

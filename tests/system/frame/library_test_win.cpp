@@ -42,6 +42,10 @@ struct TextFunction {
     const char* name;
     QLerr (*get)(wchar_t* buffer, int* size);
 };
+
+void PrintTo(const TextFunction& function, std::ostream* stream) {
+    *stream << function.name;
+}
 const TextFunction kTextFunctions[] = {
     {"SdkVersion", [](wchar_t* buffer, int* size) { return QLLIB_GetSDKVersion(buffer, size); }},
     {"ModelNumber", [](wchar_t* buffer, int* size) { return QLLIB_GetModelNumber(buffer, size); }},
@@ -152,6 +156,10 @@ struct StoredName {
     bool terminated;
     std::wstring read;
 };
+
+void PrintTo(const StoredName& stored, std::ostream* stream) {
+    *stream << stored.name;
+}
 const std::wstring kLongest(259, L'x');
 const StoredName kStoredNames[] = {
     {"Text", REG_SZ, L"JR-56", true, L"JR-56"},

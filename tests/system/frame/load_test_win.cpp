@@ -109,6 +109,10 @@ struct FailingCall {
     // The two slots are the last that a load asks for; the first of them is the one in use.
     const wchar_t* fromTheLast;
 };
+
+void PrintTo(const FailingCall& call, std::ostream* stream) {
+    *stream << call.name;
+}
 const FailingCall kFailingCalls[] = {
     {"FirstSlot", L"slot", L"1"},
     {"SecondSlot", L"slot", L"0"},

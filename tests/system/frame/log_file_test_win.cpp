@@ -208,6 +208,10 @@ struct Setting {
     std::function<void(RegistryValueGuard&)> make;
 };
 
+void PrintTo(const Setting& setting, std::ostream* stream) {
+    *stream << setting.name;
+}
+
 void SetBytes(RegistryValueGuard& value, DWORD type, const std::string& bytes) {
     value.Set(type, std::as_bytes(std::span(bytes)));
 }

@@ -124,6 +124,10 @@ struct FailingStep {
     std::string calls;
     std::string released;
 };
+
+void PrintTo(const FailingStep& step, std::ostream* stream) {
+    *stream << step.name;
+}
 #define BLANKET " blanket(10,0,3,3,0)"
 #define QUERY " query(0x20)"
 #define NEXT " next(0xffffffff,1)"

@@ -71,6 +71,10 @@ struct BufferCase {
     std::string written;
     DWORD failure;
 };
+
+void PrintTo(const BufferCase& buffer, std::ostream* stream) {
+    *stream << buffer.name;
+}
 using namespace std::string_literals;
 // For a model of 8 characters.
 const BufferCase kBufferCases[] = {
@@ -114,6 +118,10 @@ struct LengthCase {
     std::wstring model;
     std::string read;
 };
+
+void PrintTo(const LengthCase& length, std::ostream* stream) {
+    *stream << length.name;
+}
 std::wstring Repeated(const wchar_t* text, int count) {
     std::wstring result;
     while (count-- > 0) {

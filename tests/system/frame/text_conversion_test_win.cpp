@@ -28,6 +28,10 @@ struct Text {
     std::string narrow;
     std::wstring wide;
 };
+
+void PrintTo(const Text& text, std::ostream* stream) {
+    *stream << text.name;
+}
 const Text kTexts[] = {
     {"Empty", "", L""},
     {"Ascii", "abcd", L"abcd"},
@@ -143,6 +147,10 @@ struct Invalid {
     std::string narrow;
     std::wstring replaced;
 };
+
+void PrintTo(const Invalid& invalid, std::ostream* stream) {
+    *stream << invalid.name;
+}
 const Invalid kInvalidTexts[] = {
     {"LoneByte", "a\xFF", L"a\xFFFD"},
     {"LoneContinuation", "a\x80z", L"a\xFFFDz"},

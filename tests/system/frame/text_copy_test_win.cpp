@@ -32,6 +32,10 @@ struct CopyCase {
     DWORD failure;
 };
 
+void PrintTo(const CopyCase& copy, std::ostream* stream) {
+    *stream << copy.name;
+}
+
 using namespace std::string_literals;
 const CopyCase kCopyCases[] = {
     {"RoomToSpare", 16, "abcd", "abcd\0"s, 0},

@@ -45,6 +45,10 @@ struct Format {
     std::function<QLerr(wchar_t*, int, int*)> varPrint;
 };
 
+void PrintTo(const Format& format, std::ostream* stream) {
+    *stream << format.name;
+}
+
 template <typename... Arguments>
 Format MakeFormat(const char* name, std::wstring expected, const wchar_t* format, Arguments... arguments) {
     return {
@@ -121,6 +125,10 @@ struct CountCase {
     std::wstring written;
     DWORD failure;
 };
+
+void PrintTo(const CountCase& count, std::ostream* stream) {
+    *stream << count.name;
+}
 const CountCase kCountCases[] = {
     {"RoomToSpare", 10, L"42\0"s, 0},
     {"Exact", 3, L"42\0"s, 0},

@@ -12,8 +12,8 @@ class App;
 
 namespace quarlin::qlctl {
 
-/// The command that the command line asks for. Parsing only chooses it; it runs afterwards, so that its failures are
-/// not taken for errors of the command line.
+// The command that the command line asks for. Parsing only chooses it; it runs afterwards, so that its failures are
+// not taken for errors of the command line.
 struct Chosen {
     std::function<ExitStatus(Output&)> run;
 };

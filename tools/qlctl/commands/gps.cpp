@@ -5,8 +5,10 @@
 #include "view/gps_json.h"
 #include "view/gps_screen.h"
 #include "view/gps_text.h"
+#include "view/reading_pace.h"
 #include "view/text.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <map>
@@ -21,11 +23,8 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 constexpr milliseconds kPollInterval{50};
-/// Nothing new for so long means that the receiver's burst of sentences is over.
-constexpr milliseconds kPause{180};
-/// A receiver sends each kind of sentence about once a second.
+// A receiver sends each kind of sentence about once a second.
 constexpr milliseconds kPatienceForFirstReading{1500};
-constexpr milliseconds kPatienceForReading{400};
 
 enum class Redraw {
     kAuto,
@@ -46,11 +45,11 @@ Clock::duration Seconds(double count) {
     return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(count));
 }
 
-/// How the readings are shown.
+// How the readings are shown.
 class Presenter {
   public:
     virtual ~Presenter() = default;
-    /// Called once a second until the receiver's first line.
+    // Called once a second until the receiver's first line.
     virtual void Waiting(seconds) {}
     virtual void Show(const GpsReading& reading, seconds unchangedFor) = 0;
 };
@@ -58,33 +57,33 @@ class Presenter {
 class TextPresenter : public Presenter {
   public:
     using Format = std::function<std::string(const GpsReading&)>;
-    TextPresenter(Output& output, Format format) : m_output(output), m_format(std::move(format)) {}
+    TextPresenter(Output& output, Format format) : output_(output), format_(std::move(format)) {}
 
-    void Show(const GpsReading& reading, seconds) override { m_output.Write(m_format(reading)); }
+    void Show(const GpsReading& reading, seconds) override { output_.Write(format_(reading)); }
 
   private:
-    Output& m_output;
-    Format m_format;
+    Output& output_;
+    Format format_;
 };
 
 class ScreenPresenter : public Presenter {
   public:
     ScreenPresenter(Output& output, std::string portName)
-        : m_output(output),
-          m_screen(output),
-          m_portName(std::move(portName)),
-          m_colour(std::getenv("NO_COLOR") == nullptr) {}
+        : output_(output),
+          screen_(output),
+          portName_(std::move(portName)),
+          colour_(std::getenv("NO_COLOR") == nullptr) {}
 
-    void Waiting(seconds waitedFor) override { m_screen.Draw(WaitingScreen(m_portName, waitedFor)); }
+    void Waiting(seconds waitedFor) override { screen_.Draw(WaitingScreen(portName_, waitedFor)); }
     void Show(const GpsReading& reading, seconds unchangedFor) override {
-        m_screen.Draw(ReadingScreen(reading, m_portName, unchangedFor, {m_output.Rows(), m_colour}));
+        screen_.Draw(ReadingScreen(reading, portName_, unchangedFor, {output_.Rows(), colour_}));
     }
 
   private:
-    Output& m_output;
-    Screen m_screen;
-    std::string m_portName;
-    bool m_colour;
+    Output& output_;
+    Screen screen_;
+    std::string portName_;
+    bool colour_;
 };
 
 void WaitForFirstLine(const GpsSession& session, const StopSignal& stop, const GpsOptions& options,
@@ -107,46 +106,54 @@ void WaitForFirstLine(const GpsSession& session, const StopSignal& stop, const G
     }
 }
 
-/// Looks at the receiver until it pauses between two bursts, and has said everything if that is wanted; not longer than
-/// the patience lasts or the user wants to.
-void AwaitPause(const GpsSession& session, const StopSignal& stop, ChangeTracker& tracker, bool complete,
-                milliseconds patience) {
+// Looks at the receiver until it has said everything and pauses between two bursts; not longer than the patience lasts
+// or the user wants to.
+void AwaitFirstReading(const GpsSession& session, const StopSignal& stop, ChangeTracker& tracker) {
     const Clock::time_point start = Clock::now();
     for (;;) {
         const Clock::time_point now = Clock::now();
         tracker.See(session.Read(), now);
-        const bool paused = tracker.UnchangedFor(now) >= kPause;
-        if ((paused && (!complete || IsComplete(tracker.Latest()))) || now - start >= patience ||
-            stop.Wait(kPollInterval)) {
+        const bool whole = tracker.UnchangedFor(now) >= kPause && IsComplete(tracker.Latest());
+        if (whole || now - start >= kPatienceForFirstReading || stop.Wait(kPollInterval)) {
             return;
         }
     }
 }
 
-/// Shows readings until there were enough of them, the time is up, or the user ends it.
+// False when the time is up or the user ends it.
+bool AwaitNextReading(const GpsSession& session, const StopSignal& stop, ChangeTracker& tracker, ReadingPace& pace,
+                      std::optional<Clock::time_point> end) {
+    const Clock::time_point wake = end ? std::min(*end, pace.LookFrom()) : pace.LookFrom();
+    Clock::duration wait = wake - Clock::now();
+    while (!stop.Wait(std::chrono::duration_cast<milliseconds>(wait))) {
+        const Clock::time_point now = Clock::now();
+        if (end && now >= *end) {
+            return false;
+        }
+        tracker.See(session.Read(), now);
+        if (pace.IsTime(now, tracker.UnchangedFor(now))) {
+            pace.Taken(now);
+            return true;
+        }
+        wait = kPollInterval;
+    }
+    return false;
+}
+
+// Shows readings until there were enough of them, the time is up, or the user ends it.
 ExitStatus Follow(const GpsSession& session, const StopSignal& stop, const GpsOptions& options,
                   std::optional<Clock::time_point> end, Presenter& presenter) {
     WaitForFirstLine(session, stop, options, presenter);
     ChangeTracker tracker;
-    AwaitPause(session, stop, tracker, true, kPatienceForFirstReading);
-    for (int shown = 1;; ++shown) {
-        const Clock::time_point now = Clock::now();
-        presenter.Show(tracker.Latest(), std::chrono::duration_cast<seconds>(tracker.UnchangedFor(now)));
-        if (shown == options.count || (end && now >= *end)) {
-            return ExitStatus::kDone;
-        }
-        // The pause is looked for within the interval, so that the readings keep its pace.
-        const Clock::duration interval = Seconds(options.interval);
-        const auto patience = std::min(kPatienceForReading, std::chrono::duration_cast<milliseconds>(interval));
-        const auto rest = std::chrono::duration_cast<milliseconds>(interval) - patience;
-        if (stop.Wait(rest)) {
-            return ExitStatus::kDone;
-        }
-        AwaitPause(session, stop, tracker, false, patience);
-        if (stop.HasCome()) {
-            return ExitStatus::kDone;
-        }
-    }
+    AwaitFirstReading(session, stop, tracker);
+    ReadingPace pace(Seconds(options.interval), Clock::now());
+    int shown = 0;
+    do {
+        const Clock::duration unchangedFor = tracker.UnchangedFor(Clock::now());
+        presenter.Show(tracker.Latest(), std::chrono::duration_cast<seconds>(unchangedFor));
+        ++shown;
+    } while (shown != options.count && AwaitNextReading(session, stop, tracker, pace, end));
+    return ExitStatus::kDone;
 }
 
 ExitStatus ShowReadings(const GpsOptions& options, Output& output, TextPresenter::Format format) {
@@ -184,7 +191,7 @@ ExitStatus Watch(const GpsOptions& options, Output& output) {
 
 using Command = ExitStatus (*)(const GpsOptions&, Output&);
 
-/// Adds one command with what all of them share.
+// Adds one command with what all of them share.
 CLI::App* AddCommand(CLI::App& family, const char* name, const char* description, const GpsOptions& defaults,
                      Command command, Chosen& chosen, std::shared_ptr<GpsOptions>& options) {
     options = std::make_shared<GpsOptions>(defaults);

@@ -9,7 +9,7 @@
 namespace quarlin::qlctl {
 namespace {
 
-/// Everything that can be shown is shown; the first answer that failed decides the exit status.
+// Everything that can be shown is shown; the first answer that failed decides the exit status.
 ExitStatus ShowInfo(bool json, Output& output) {
     const InfoReport report = GatherInfo();
     output.Write(json ? InfoJson(report) : InfoText(report));

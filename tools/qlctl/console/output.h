@@ -7,7 +7,7 @@
 
 namespace quarlin::qlctl {
 
-/// Standard output: UTF-8, line ends as they are, every piece written out at once so that a pipe's reader sees it.
+// Standard output: UTF-8, line ends as they are, every piece written out at once so that a pipe's reader sees it.
 class Output {
   public:
     Output();
@@ -15,23 +15,23 @@ class Output {
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
-    /// Throws a Failure (kOutput) when nobody takes the text any more.
+    // Throws a Failure (kOutput) when nobody takes the text any more.
     void Write(std::string_view text);
 
-    /// Whether a person looks at it, on a console that understands the sequences of a redrawn screen.
-    bool CanRedraw() const { return m_canRedraw; }
-    /// Lines that the console shows; without a console what the variable LINES says, or 24.
+    // Whether a person looks at it, on a console that understands the sequences of a redrawn screen.
+    bool CanRedraw() const { return canRedraw_; }
+    // Lines that the console shows; without a console what the variable LINES says, or 24.
     int Rows() const;
 
   private:
-    void* m_handle;
-    unsigned long m_modeBefore = 0;
-    unsigned int m_codePageBefore = 0;
-    bool m_isConsole = false;
-    bool m_canRedraw = false;
+    void* handle_;
+    unsigned long modeBefore_ = 0;
+    unsigned int codePageBefore_ = 0;
+    bool isConsole_ = false;
+    bool canRedraw_ = false;
 };
 
-/// A screen that is drawn again and again. The destructor gives the cursor back, whatever ended the drawing.
+// A screen that is drawn again and again. The destructor gives the cursor back, whatever ended the drawing.
 class Screen {
   public:
     explicit Screen(Output& output);
@@ -42,7 +42,7 @@ class Screen {
     void Draw(const std::vector<std::string>& lines);
 
   private:
-    Output& m_output;
+    Output& output_;
 };
 
 }  // namespace quarlin::qlctl

@@ -14,27 +14,27 @@ constexpr int kUsualRows = 24;
 
 }  // namespace
 
-Output::Output() : m_handle(GetStdHandle(STD_OUTPUT_HANDLE)) {
-    m_isConsole = GetConsoleMode(m_handle, &m_modeBefore) != FALSE;
-    if (m_isConsole) {
-        m_codePageBefore = GetConsoleOutputCP();
+Output::Output() : handle_(GetStdHandle(STD_OUTPUT_HANDLE)) {
+    isConsole_ = GetConsoleMode(handle_, &modeBefore_) != FALSE;
+    if (isConsole_) {
+        codePageBefore_ = GetConsoleOutputCP();
         SetConsoleOutputCP(CP_UTF8);
-        m_canRedraw = SetConsoleMode(m_handle, m_modeBefore | ENABLE_PROCESSED_OUTPUT |
-                                                   ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
+        canRedraw_ = SetConsoleMode(
+                         handle_, modeBefore_ | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
     }
 }
 
 Output::~Output() {
-    if (m_isConsole) {
-        SetConsoleMode(m_handle, m_modeBefore);
-        SetConsoleOutputCP(m_codePageBefore);
+    if (isConsole_) {
+        SetConsoleMode(handle_, modeBefore_);
+        SetConsoleOutputCP(codePageBefore_);
     }
 }
 
 void Output::Write(std::string_view text) {
     while (!text.empty()) {
         DWORD written = 0;
-        if (!WriteFile(m_handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) || written == 0) {
+        if (!WriteFile(handle_, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) || written == 0) {
             throw Failure(ExitStatus::kOutput,
                           "the output cannot be written, Windows error " + std::to_string(GetLastError()));
         }
@@ -44,7 +44,7 @@ void Output::Write(std::string_view text) {
 
 int Output::Rows() const {
     CONSOLE_SCREEN_BUFFER_INFO info{};
-    if (m_isConsole && GetConsoleScreenBufferInfo(m_handle, &info)) {
+    if (isConsole_ && GetConsoleScreenBufferInfo(handle_, &info)) {
         return info.srWindow.Bottom - info.srWindow.Top + 1;
     }
     const char* const lines = std::getenv("LINES");
@@ -52,20 +52,20 @@ int Output::Rows() const {
     return rows > 0 ? rows : kUsualRows;
 }
 
-Screen::Screen(Output& output) : m_output(output) {
-    m_output.Write(terminal::Begin());
+Screen::Screen(Output& output) : output_(output) {
+    output_.Write(terminal::Begin());
 }
 
 Screen::~Screen() {
     try {
-        m_output.Write(terminal::End());
+        output_.Write(terminal::End());
     } catch (const Failure&) {
         // Nobody is left to see the cursor.
     }
 }
 
 void Screen::Draw(const std::vector<std::string>& lines) {
-    m_output.Write(terminal::Frame(lines));
+    output_.Write(terminal::Frame(lines));
 }
 
 }  // namespace quarlin::qlctl

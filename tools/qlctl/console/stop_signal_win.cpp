@@ -10,7 +10,7 @@
 namespace quarlin::qlctl {
 namespace {
 
-/// Windows ends the process five seconds after the console was closed, or as soon as the handler returns.
+// Windows ends the process five seconds after the console was closed, or as soon as the handler returns.
 constexpr DWORD kCloseGraceMs = 4500;
 
 // Process-wide, because the console's handler gets no argument. They live until the process ends: the handler runs on

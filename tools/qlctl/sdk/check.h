@@ -7,13 +7,13 @@
 
 namespace quarlin::qlctl {
 
-/// The calling thread's last error, for a call that has just answered with this code.
+// The calling thread's last error, for a call that has just answered with this code.
 LibraryError TakeError(QLerr code);
 
-/// Throws a Failure when a call of the library did not succeed.
+// Throws a Failure when a call of the library did not succeed.
 void Check(QLerr result);
 
-/// Wide text of the library as UTF-8.
+// Wide text of the library as UTF-8.
 std::string ToUtf8(const wchar_t* text);
 
 }  // namespace quarlin::qlctl

@@ -13,7 +13,7 @@ namespace {
 constexpr size_t kMostSatellites = 150;
 constexpr size_t kTimeStampSize = 80;
 
-/// The library does not tell how many records it filled: the first one that kept this number ends them.
+// The library does not tell how many records it filled: the first one that kept this number ends them.
 constexpr int32_t kUntouched = std::numeric_limits<int32_t>::min();
 
 template <typename Value>
@@ -50,7 +50,7 @@ GpsSession::Enabled::~Enabled() {
     QLGPS_Disable();
 }
 
-GpsSession::GpsSession(int port) : m_portName("COM" + std::to_string(port)), m_initialized(port), m_enabled() {
+GpsSession::GpsSession(int port) : portName_("COM" + std::to_string(port)), initialized_(port), enabled_() {
 }
 
 bool GpsSession::IsSending() const {

@@ -7,13 +7,13 @@
 
 namespace quarlin::qlctl {
 
-/// The GPS receiver from initialised and reading to closed again: the destructor disables and uninitialises. Failing
-/// calls throw a Failure. One at a time: the library knows one receiver.
+// The GPS receiver from initialised and reading to closed again: the destructor disables and uninitialises. Failing
+// calls throw a Failure. One at a time: the library knows one receiver.
 class GpsSession {
   public:
     explicit GpsSession(int port);
 
-    const std::string& PortName() const { return m_portName; }
+    const std::string& PortName() const { return portName_; }
     bool IsSending() const;
     GpsReading Read() const;
 
@@ -32,9 +32,9 @@ class GpsSession {
         Enabled& operator=(const Enabled&) = delete;
     };
 
-    std::string m_portName;
-    Initialized m_initialized;
-    Enabled m_enabled;
+    std::string portName_;
+    Initialized initialized_;
+    Enabled enabled_;
 };
 
 }  // namespace quarlin::qlctl

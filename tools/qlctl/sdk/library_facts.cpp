@@ -11,7 +11,7 @@
 namespace quarlin::qlctl {
 namespace {
 
-/// A family is present when the loaded library exports the function that brings it up.
+// A family is present when the loaded library exports the function that brings it up.
 struct Family {
     const char* title;
     const char* field;
@@ -27,7 +27,7 @@ constexpr std::array kFamilies{
 constexpr size_t kModelSize = 250;
 constexpr size_t kReceiverNameSize = 64;
 
-/// The library's protocol for wide texts: ask for the size, then for the text.
+// The library's protocol for wide texts: ask for the size, then for the text.
 std::string WideText(QLerr (*function)(wchar_t*, int*)) {
     int size = 0;
     Check(function(nullptr, &size));
@@ -42,7 +42,7 @@ std::string ManagementModel() {
     return text.data();
 }
 
-/// Nothing when this machine's model has no known receiver, which is no failure.
+// Nothing when this machine's model has no known receiver, which is no failure.
 std::optional<std::string> ReceiverName() {
     std::array<char, kReceiverNameSize> text{};
     const QLerr result = QLGPS_GetDeviceName(text.data(), static_cast<int>(text.size()));

@@ -5,7 +5,7 @@
 
 namespace quarlin::qlctl {
 
-/// Asks the library everything that it can tell without a device. An answer that fails does not stop the others.
+// Asks the library everything that it can tell without a device. An answer that fails does not stop the others.
 InfoReport GatherInfo();
 
 }  // namespace quarlin::qlctl

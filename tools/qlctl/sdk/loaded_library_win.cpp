@@ -7,7 +7,7 @@
 namespace quarlin::qlctl {
 namespace {
 
-/// Not counted: the process is linked to the library, which stays as long as the process does.
+// Not counted: the process is linked to the library, which stays as long as the process does.
 HMODULE Library() {
     const HMODULE library = GetModuleHandleW(L"qlsdk.dll");
     if (library == nullptr) {

@@ -12,12 +12,12 @@ PipeReader::PipeReader(Reading reading) {
     HANDLE writeEnd = nullptr;
     EXPECT_TRUE(CreatePipe(&readEnd, &writeEnd, &inheritable, 0));
     SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
-    m_readEnd.reset(readEnd);
-    m_writeEnd.reset(writeEnd);
+    readEnd_.reset(readEnd);
+    writeEnd_.reset(writeEnd);
     if (reading == Reading::kAll) {
-        m_thread = std::thread(&PipeReader::Read, this);
+        thread_ = std::thread(&PipeReader::Read, this);
     } else {
-        m_readEnd.reset();
+        readEnd_.reset();
     }
 }
 
@@ -28,25 +28,25 @@ PipeReader::~PipeReader() {
 void PipeReader::Read() {
     std::array<char, 4096> piece;
     DWORD size = 0;
-    while (ReadFile(m_readEnd.get(), piece.data(), static_cast<DWORD>(piece.size()), &size, nullptr) && size > 0) {
-        const std::lock_guard lock(m_mutex);
-        m_text.append(piece.data(), size);
-        m_grown.notify_all();
+    while (ReadFile(readEnd_.get(), piece.data(), static_cast<DWORD>(piece.size()), &size, nullptr) && size > 0) {
+        const std::lock_guard lock(mutex_);
+        text_.append(piece.data(), size);
+        grown_.notify_all();
     }
-    m_readEnd.reset();
+    readEnd_.reset();
 }
 
 bool PipeReader::WaitFor(const std::string& text, std::chrono::milliseconds atMost) {
-    std::unique_lock lock(m_mutex);
-    return m_grown.wait_for(lock, atMost, [&] { return m_text.find(text) != std::string::npos; });
+    std::unique_lock lock(mutex_);
+    return grown_.wait_for(lock, atMost, [&] { return text_.find(text) != std::string::npos; });
 }
 
 std::string PipeReader::Finish() {
     CloseWriteEnd();
-    if (m_thread.joinable()) {
-        m_thread.join();
+    if (thread_.joinable()) {
+        thread_.join();
     }
-    return m_text;
+    return text_;
 }
 
 std::wstring QlctlPath() {
@@ -58,8 +58,8 @@ std::wstring QlctlPath() {
     return path + L"\\bin\\qlctl.exe";
 }
 
-ChildProcess::ChildProcess(const std::string& arguments, PipeReader::Reading output) : m_out(output) {
-    Start(arguments, m_out.WriteEnd());
+ChildProcess::ChildProcess(const std::string& arguments, PipeReader::Reading output) : out_(output) {
+    Start(arguments, out_.WriteEnd());
 }
 
 ChildProcess::ChildProcess(const std::string& arguments, HANDLE output) {
@@ -71,7 +71,7 @@ void ChildProcess::Start(const std::string& arguments, HANDLE output) {
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = output;
-    startup.hStdError = m_err.WriteEnd();
+    startup.hStdError = err_.WriteEnd();
     std::wstring commandLine = L"qlctl " + std::wstring(arguments.begin(), arguments.end());
     PROCESS_INFORMATION process{};
     EXPECT_TRUE(CreateProcessW(QlctlPath().c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
@@ -80,32 +80,32 @@ void ChildProcess::Start(const std::string& arguments, HANDLE output) {
     if (process.hThread != nullptr) {
         CloseHandle(process.hThread);
     }
-    m_process.reset(process.hProcess);
-    m_out.CloseWriteEnd();
-    m_err.CloseWriteEnd();
+    process_.reset(process.hProcess);
+    out_.CloseWriteEnd();
+    err_.CloseWriteEnd();
 }
 
 ChildProcess::~ChildProcess() {
-    if (m_process) {
-        TerminateProcess(m_process.get(), 99);
+    if (process_) {
+        TerminateProcess(process_.get(), 99);
     }
 }
 
 bool ChildProcess::HasEndedWithin(std::chrono::milliseconds time) const {
-    return WaitForSingleObject(m_process.get(), static_cast<DWORD>(time.count())) == WAIT_OBJECT_0;
+    return WaitForSingleObject(process_.get(), static_cast<DWORD>(time.count())) == WAIT_OBJECT_0;
 }
 
 ChildResult ChildProcess::Finish() {
     ChildResult result;
     if (HasEndedWithin(kDeadline)) {
         DWORD status = 0;
-        GetExitCodeProcess(m_process.get(), &status);
+        GetExitCodeProcess(process_.get(), &status);
         result.exitStatus = static_cast<int>(status);
     } else {
-        TerminateProcess(m_process.get(), 99);
+        TerminateProcess(process_.get(), 99);
     }
-    result.out = m_out.Finish();
-    result.err = m_err.Finish();
+    result.out = out_.Finish();
+    result.err = err_.Finish();
     return result;
 }
 

@@ -62,6 +62,10 @@ struct StatusCase {
     ExitStatus status;
 };
 
+void PrintTo(const StatusCase& row, std::ostream* stream) {
+    *stream << CodeName(row.code);
+}
+
 class StatusOfCode : public testing::TestWithParam<StatusCase> {};
 
 TEST_P(StatusOfCode, IsItsClassOfFailure) {

@@ -16,6 +16,10 @@ struct TimeCase {
     const char* iso;
 };
 
+void PrintTo(const TimeCase& time, std::ostream* stream) {
+    *stream << testing::PrintToString(time.stamp);
+}
+
 class TimeStamp : public testing::TestWithParam<TimeCase> {};
 
 TEST_P(TimeStamp, BecomesIso8601OrNothing) {
@@ -36,6 +40,10 @@ struct SystemCase {
     int prn;
     SatelliteSystem system;
 };
+
+void PrintTo(const SystemCase& satellite, std::ostream* stream) {
+    *stream << satellite.prn;
+}
 
 class SatelliteNumber : public testing::TestWithParam<SystemCase> {};
 

@@ -13,7 +13,7 @@ namespace {
 
 using std::chrono::seconds;
 
-/// Characters of a line without colours: UTF-8 continuation bytes take no column.
+// Characters of a line without colours: UTF-8 continuation bytes take no column.
 size_t Columns(const std::string& line) {
     return static_cast<size_t>(
         std::count_if(line.begin(), line.end(), [](char byte) { return (byte & '\xC0') != '\x80'; }));

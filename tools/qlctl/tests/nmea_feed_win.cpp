@@ -6,7 +6,7 @@
 namespace quarlin::qlctl {
 namespace {
 
-/// Longer than the pause that qlctl looks for.
+// Longer than the pause that qlctl looks for.
 constexpr DWORD kBurstEveryMs = 300;
 
 std::string Burst(const std::vector<std::string>& sentences) {
@@ -20,29 +20,29 @@ std::string Burst(const std::vector<std::string>& sentences) {
 }  // namespace
 
 NmeaFeed::NmeaFeed(const std::vector<std::string>& sentences)
-    : m_stop(CreateEventW(nullptr, TRUE, FALSE, nullptr)), m_burst(Burst(sentences)) {
+    : stop_(CreateEventW(nullptr, TRUE, FALSE, nullptr)), burst_(Burst(sentences)) {
     const HANDLE port = CreateFileW(L"COM4", GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_NE(port, INVALID_HANDLE_VALUE) << GetLastError();
-    m_port.reset(port);
-    m_thread = std::thread(&NmeaFeed::Send, this);
+    port_.reset(port);
+    thread_ = std::thread(&NmeaFeed::Send, this);
 }
 
 NmeaFeed::~NmeaFeed() {
-    SetEvent(m_stop.get());
-    m_thread.join();
+    SetEvent(stop_.get());
+    thread_.join();
 }
 
 void NmeaFeed::Change(const std::vector<std::string>& sentences) {
-    const std::lock_guard lock(m_mutex);
-    m_burst = Burst(sentences);
+    const std::lock_guard lock(mutex_);
+    burst_ = Burst(sentences);
 }
 
 void NmeaFeed::Send() {
     do {
-        const std::lock_guard lock(m_mutex);
+        const std::lock_guard lock(mutex_);
         DWORD written = 0;
-        WriteFile(m_port.get(), m_burst.data(), static_cast<DWORD>(m_burst.size()), &written, nullptr);
-    } while (WaitForSingleObject(m_stop.get(), kBurstEveryMs) == WAIT_TIMEOUT);
+        WriteFile(port_.get(), burst_.data(), static_cast<DWORD>(burst_.size()), &written, nullptr);
+    } while (WaitForSingleObject(stop_.get(), kBurstEveryMs) == WAIT_TIMEOUT);
 }
 
 std::vector<std::string> SampleBurst() {

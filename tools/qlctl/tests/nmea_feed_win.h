@@ -10,7 +10,7 @@
 
 namespace quarlin::qlctl {
 
-/// A receiver at the far end of COM3's cable: sends the same burst of sentences again and again, as receivers do.
+// A receiver at the far end of COM3's cable: sends the same burst of sentences again and again, as receivers do.
 class NmeaFeed {
   public:
     explicit NmeaFeed(const std::vector<std::string>& sentences);
@@ -18,23 +18,23 @@ class NmeaFeed {
     NmeaFeed(const NmeaFeed&) = delete;
     NmeaFeed& operator=(const NmeaFeed&) = delete;
 
-    /// What to send from the next burst on.
+    // What to send from the next burst on.
     void Change(const std::vector<std::string>& sentences);
 
   private:
     void Send();
 
-    UniqueHandle m_port;
-    UniqueHandle m_stop;
-    std::mutex m_mutex;
-    std::string m_burst;
-    std::thread m_thread;
+    UniqueHandle port_;
+    UniqueHandle stop_;
+    std::mutex mutex_;
+    std::string burst_;
+    std::thread thread_;
 };
 
-/// Eleven GPS satellites and two GLONASS satellites, a 3-D fix at 53.361337 N 6.505620 W, 10 knots.
+// Eleven GPS satellites and two GLONASS satellites, a 3-D fix at 53.361337 N 6.505620 W, 10 knots.
 std::vector<std::string> SampleBurst();
 
-/// A receiver that has just been switched on: no fix, no position, no satellites.
+// A receiver that has just been switched on: no fix, no position, no satellites.
 std::vector<std::string> ColdBurst();
 
 }  // namespace quarlin::qlctl

@@ -5,7 +5,7 @@
 
 namespace quarlin::qlctl {
 
-/// A walk west of Dublin with three GPS satellites, one of them unused, and one GLONASS satellite.
+// A walk west of Dublin with three GPS satellites, one of them unused, and one GLONASS satellite.
 inline GpsReading SampleReading() {
     GpsReading reading;
     reading.timeStamp = "9:27:50 19/11/2026";

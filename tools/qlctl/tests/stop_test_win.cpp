@@ -12,25 +12,26 @@ BOOL WINAPI OutliveControlKeys(DWORD) {
     return TRUE;
 }
 
-/// A console that the test and the programs that it starts have for themselves, so that Ctrl-C reaches nobody else.
+// A console that the tests and the programs that they start have for themselves, so that Ctrl-C reaches nobody else.
 class OwnConsole : public testing::Test {
   protected:
-    OwnConsole() {
+    static void SetUpTestSuite() {
         FreeConsole();
         EXPECT_TRUE(AllocConsole()) << GetLastError();
         SetConsoleCtrlHandler(OutliveControlKeys, TRUE);
-        SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-        m_screen.reset(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                   &inheritable, OPEN_EXISTING, 0, nullptr));
     }
-    ~OwnConsole() override {
-        SetConsoleCtrlHandler(OutliveControlKeys, FALSE);
-        FreeConsole();
+    // The console stays to the end of the program: without one, each program started later would make its own, slowly.
+    static void TearDownTestSuite() { SetConsoleCtrlHandler(OutliveControlKeys, FALSE); }
+
+    OwnConsole() {
+        SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+        screen_.reset(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  &inheritable, OPEN_EXISTING, 0, nullptr));
     }
 
     static void PressCtrlC() { EXPECT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0)) << GetLastError(); }
 
-    HANDLE Screen() const { return m_screen.get(); }
+    HANDLE Screen() const { return screen_.get(); }
     std::wstring ScreenText() const {
         std::wstring text(4000, L' ');
         DWORD length = 0;
@@ -42,12 +43,10 @@ class OwnConsole : public testing::Test {
     }
 
   private:
-    UniqueHandle m_screen;
+    UniqueHandle screen_;
 };
 
-class CtrlC : public OwnConsole {};
-
-TEST_F(CtrlC, EndsAWatchAndGivesTheCursorBack) {
+TEST_F(OwnConsole, CtrlCEndsAWatchAndGivesTheCursorBack) {
     const NmeaFeed feed(SampleBurst());
     ChildProcess watch("gps watch --redraw always");
     ASSERT_TRUE(watch.Out().WaitFor("53.361337 N", kDeadline));
@@ -58,7 +57,7 @@ TEST_F(CtrlC, EndsAWatchAndGivesTheCursorBack) {
     EXPECT_TRUE(result.out.ends_with("\x1b[?25h")) << result.out;
 }
 
-TEST_F(CtrlC, BeforeTheFirstLineIsToldApart) {
+TEST_F(OwnConsole, CtrlCBeforeTheFirstLineIsToldApart) {
     ChildProcess watch("gps watch --redraw always");
     ASSERT_TRUE(watch.Out().WaitFor("waiting for the first line on COM3", kDeadline));
     PressCtrlC();
@@ -68,7 +67,7 @@ TEST_F(CtrlC, BeforeTheFirstLineIsToldApart) {
     EXPECT_TRUE(result.out.ends_with("\x1b[?25h")) << result.out;
 }
 
-TEST_F(CtrlC, EndsAStatusThatWaits) {
+TEST_F(OwnConsole, CtrlCEndsAStatusThatWaits) {
     const NmeaFeed feed(SampleBurst());
     ChildProcess status("gps status --json --count 1000");
     ASSERT_TRUE(status.Out().WaitFor("\n", kDeadline));
@@ -76,9 +75,7 @@ TEST_F(CtrlC, EndsAStatusThatWaits) {
     EXPECT_EQ(status.Finish().exitStatus, 0);
 }
 
-class Console : public OwnConsole {};
-
-TEST_F(Console, GetsARedrawnScreenWithoutBeingAskedFor) {
+TEST_F(OwnConsole, GetsARedrawnScreenWithoutBeingAskedFor) {
     const NmeaFeed feed(SampleBurst());
     ChildProcess watch("gps watch --timeout 15", Screen());
     while (ScreenText().find(L"Position      53.361337 N") == std::wstring::npos) {

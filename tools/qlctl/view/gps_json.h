@@ -7,7 +7,7 @@
 
 namespace quarlin::qlctl {
 
-/// One reading as one line of JSON, line end included. The field names are part of qlctl's interface (README.md).
+// One reading as one line of JSON, line end included. The field names are part of qlctl's interface (README.md).
 std::string ReadingJson(const GpsReading& reading);
 
 }  // namespace quarlin::qlctl

@@ -21,8 +21,8 @@ auto Fields(const GpsGlonassSatellite& s) {
     return std::tie(s.PRN, s.Elevation, s.Azimuth, s.SNR, s.used);
 }
 
-/// Reads unsigned numbers out of a text of a fixed shape: digits where the shape has a '#', the same character
-/// elsewhere.
+// Reads unsigned numbers out of a text of a fixed shape: digits where the shape has a '#', the same character
+// elsewhere.
 template <size_t count>
 std::optional<std::array<int, count>> Numbers(std::string_view text, std::string_view shape) {
     std::array<int, count> numbers{};
@@ -149,16 +149,16 @@ const char* QualityName(int quality) {
 }
 
 void ChangeTracker::See(GpsReading reading, Clock::time_point now) {
-    if (m_seenAny && SameReading(reading, m_latest)) {
+    if (seenAny_ && SameReading(reading, latest_)) {
         return;
     }
-    m_latest = std::move(reading);
-    m_changedAt = now;
-    m_seenAny = true;
+    latest_ = std::move(reading);
+    changedAt_ = now;
+    seenAny_ = true;
 }
 
 ChangeTracker::Clock::duration ChangeTracker::UnchangedFor(Clock::time_point now) const {
-    return m_seenAny ? now - m_changedAt : Clock::duration::zero();
+    return seenAny_ ? now - changedAt_ : Clock::duration::zero();
 }
 
 }  // namespace quarlin::qlctl

@@ -14,9 +14,9 @@ namespace {
 constexpr size_t kColumnWidth = 38;
 constexpr std::string_view kColumnGap = "   ";
 constexpr int kBarCells = 16;
-/// A receiver with a clear sky reports up to about 50 dB-Hz.
+// A receiver with a clear sky reports up to about 50 dB-Hz.
 constexpr int kFullBarSnr = 50;
-/// Shorter than a receiver's pause between two bursts is no news.
+// Shorter than a receiver's pause between two bursts is no news.
 constexpr std::chrono::seconds kQuietWorthTelling{3};
 
 std::string Cut(std::string line) {
@@ -42,7 +42,7 @@ std::string Bar(int snr) {
     return bar;
 }
 
-/// A number as wide as the column, whatever the receiver sent.
+// A number as wide as the column, whatever the receiver sent.
 std::string Number(int value, size_t width) {
     std::string text = std::to_string(value);
     return text.size() > width ? std::string(width, '#') : PadLeft(text, width);
@@ -64,7 +64,7 @@ Column ColumnHead(const char* title) {
     return {PadRight(title, kColumnWidth), " PRN   0     dB-Hz   50 SNR elev  azim"};
 }
 
-/// Keeps a column within the rows; what does not fit becomes a last line that counts it.
+// Keeps a column within the rows; what does not fit becomes a last line that counts it.
 void Clip(Column& column, size_t rows) {
     if (column.size() <= rows) {
         return;

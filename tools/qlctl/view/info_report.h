@@ -9,13 +9,13 @@
 
 namespace quarlin::qlctl {
 
-/// One answer of the library: a text, nothing (it is not known), or the error that came instead.
+// One answer of the library: a text, nothing (it is not known), or the error that came instead.
 struct Answer {
     std::optional<std::string> text;
     std::optional<LibraryError> error;
 };
 
-/// A part of the report under its title and its JSON field.
+// A part of the report under its title and its JSON field.
 struct InfoPart {
     const char* title;
     const char* field;
@@ -28,7 +28,7 @@ struct FamilyPresence {
     bool present;
 };
 
-/// What `qlctl info` tells: about the library and the machine, and which device families this qlsdk.dll serves.
+// What `qlctl info` tells: about the library and the machine, and which device families this qlsdk.dll serves.
 struct InfoReport {
     std::vector<InfoPart> parts;
     std::vector<FamilyPresence> families;

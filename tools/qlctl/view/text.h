@@ -6,14 +6,14 @@
 
 namespace quarlin::qlctl {
 
-/// A number with a fixed count of decimals and a decimal point, whatever the process locale.
+// A number with a fixed count of decimals and a decimal point, whatever the process locale.
 std::string Fixed(double value, int decimals);
 
-/// Text filled up with spaces to a width; longer text stays as it is. Counts bytes: for ASCII.
+// Text filled up with spaces to a width; longer text stays as it is. Counts bytes: for ASCII.
 std::string PadLeft(std::string_view text, size_t width);
 std::string PadRight(std::string_view text, size_t width);
 
-/// One "Label        value" line of a report.
+// One "Label        value" line of a report.
 std::string Row(std::string_view label, std::string_view value);
 
 }  // namespace quarlin::qlctl
