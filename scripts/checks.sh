@@ -56,25 +56,36 @@ check_scripts() {
     script_files | grep -v '^scripts/' | xargs -d '\n' shellcheck --external-sources
 }
 
-# The sources of ours that the native preset compiles: the logic, its unit tests, the benchmarks.
+# lint_files: the library's sources, each behind the preset that compiles it: the logic natively, the rest for Windows.
 lint_files() {
     python3 - <<'PYTHON'
 import json, os
 root = os.getcwd() + os.sep
-files = {os.path.normpath(entry["file"]) for entry in json.load(open("build/native/compile_commands.json"))}
-for file in sorted(files):
-    if file.startswith(root + "src" + os.sep):
-        print(file[len(root):])
+presets = {}
+for preset in ("windows", "native"):
+    for entry in json.load(open(f"build/{preset}/compile_commands.json")):
+        presets[os.path.normpath(entry["file"])] = preset
+for file in sorted(presets):
+    if file.startswith(root + "src" + os.sep) and file.endswith(".cpp"):
+        print(presets[file], file[len(root):])
 PYTHON
 }
 
-# lint_one FILE HEADERS: a file that passed is not looked at again until it, a header or the settings change.
+# lint_one PRESET FILE HEADERS: a file that passed is not looked at again until it, a header or the settings change.
 lint_one() {
-    local stamp
-    stamp=build/lint/$(cat "$1" <(printf '%s' "$2") | sha256sum | cut -c 1-40)
+    local stamp folder
+    local -a target=()
+    stamp=build/lint/$(cat "$2" <(printf '%s' "$3") | sha256sum | cut -c 1-40)
     [[ ! -f $stamp ]] || return 0
-    printf '%s\n' "$1"
-    clang-tidy -p build/native --quiet --warnings-as-errors='*' "$1" 2> >(grep -v 'warnings generated' >&2) && : >"$stamp"
+    if [[ $1 == windows ]]; then
+        # clang looks for the headers of another flavour of the compiler.
+        folder=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-libgcc-file-name)")/include/c++
+        target=(--extra-arg="--target=x86_64-w64-mingw32")
+        target+=(--extra-arg="-isystem$folder" --extra-arg="-isystem$folder/x86_64-w64-mingw32")
+    fi
+    printf '%s\n' "$2"
+    clang-tidy -p "build/$1" --quiet --warnings-as-errors='*' "${target[@]}" "$2" \
+        2> >(grep -v 'warnings generated' >&2) && : >"$stamp"
 }
 export -f lint_one
 
@@ -82,5 +93,5 @@ check_lint() {
     local headers
     headers=$(repository_files | grep -E '\.h$|(^|/)\.clang-tidy$' | xargs -d '\n' cat | sha256sum)
     mkdir -p build/lint
-    lint_files | xargs -d '\n' -P "$(nproc)" -I '{}' bash -c 'lint_one "$1" "$2"' lint '{}' "$headers"
+    lint_files | xargs -L 1 -P "$(nproc)" bash -c 'lint_one "$2" "$3" "$1"' lint "$headers"
 }

@@ -71,11 +71,11 @@ test_all() {
     step --soft "Format" check_format
     step --soft "Scripts" check_scripts
     build_preset native
-    step --soft "Lint" check_lint
     run_tests native "Unit tests, native with sanitizers"
     build_preset fuzz
     step --soft "Fuzz seeds" fuzz/run.sh --replay
     build_preset windows
+    step --soft "Lint" check_lint
     build_preset windows-checked
     machine_up
     run_tests windows "Tests on the simulated machine"

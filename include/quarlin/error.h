@@ -8,7 +8,8 @@
  * - Prefixes: QLAPI_ errors, QLSTR_ text, QLLIB_ and QLMISC_ the library and the machine, QLGPS_ (and
  *   GPS_VerifyAvailable) the GPS receiver.
  * - Every function returns a QLerr; that of QLAPI_GetLastError is the code that it fetched. Codes decide,
- *   texts explain: branch on the code, show the text to a person. The texts are fixed English sentences.
+ *   texts explain: branch on the code, show the text to a person. The texts are fixed English
+ *   sentences; where the system failed, its own words follow in the user's language.
  * - A failing call leaves its code and its text for the calling thread; QLAPI_GetLastError fetches them, once. A
  *   succeeding call erases what an earlier one left (the three QLMISC_ functions that do nothing erase nothing either).
  *   No thread sees another thread's record.

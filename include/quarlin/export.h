@@ -38,14 +38,10 @@
 
 /* A few functions are exported under names that encode their C++ signature. C++ compilers find them by themselves; a C
  * compiler has to be told the name. */
-#if defined(__cplusplus)
 #define QL_CPP_API QL_IMPORT
-#define QL_CPP_NAME(gnuName)
-#elif defined(__GNUC__) && !defined(_MSC_VER)
-#define QL_CPP_API QL_IMPORT
+#if defined(__GNUC__) && !defined(_MSC_VER) && !defined(__cplusplus)
 #define QL_CPP_NAME(gnuName) __asm__(gnuName)
 #else
-#define QL_CPP_API QL_IMPORT
 #define QL_CPP_NAME(gnuName)
 #endif
 

@@ -13,8 +13,8 @@
  * - QLERR_INTERNAL_ERROR: the text did not fit, the count is below 1 (below 0 for conversions), or a text or buffer
  *   pointer is null. The last error reads "Failed to copy string", "Failed to print formatted string", "Multibyte to
  *   unicode conversion failed" or "Unicode to multibyte conversion failed", a line end, and the system's code and text.
- * - QLERR_INVALID_ARGUMENT: a required count pointer is null ("The argument count cannot be NULL."). Nothing is
- * written.
+ * - QLERR_INVALID_ARGUMENT: a required count pointer is null ("The argument count cannot be NULL.";
+ *   QLSTR_CppStrToCStr has texts of its own). Nothing is written.
  * - QLERR_BUFFER_OVERFLOW: QLSTR_CppStrToCStr alone.
  *
  * Threads: any, all functions may overlap. No pointer is kept.

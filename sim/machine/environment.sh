@@ -28,7 +28,7 @@ process_runs() {
 
 # The keeper alone does not tell: it outlives its server for a while when that has died.
 prefix_is_up() {
-    process_runs "$machine/server.pid" wineserver && process_runs "$machine/keeper.pid" cmd
+    process_runs "$machine/server.pid" wineserver && process_runs "$machine/keeper.pid" notepad
 }
 
 machine_is_up() {
@@ -78,5 +78,5 @@ stop_prefix() {
         wineserver -k 2>/dev/null || true
         wineserver -w
     fi
-    rm -f "$machine"/keeper.starting "$machine"/keeper.pid "$machine"/keeper.fifo "$machine"/server.pid
+    rm -f "$machine"/keeper.starting "$machine"/keeper.pid "$machine"/server.pid
 }

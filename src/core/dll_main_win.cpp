@@ -5,7 +5,7 @@
 
 namespace __gnu_cxx {
 // The C++ runtime's own release of what it allocated at start: the pool for exceptions thrown without memory.
-void __freeres();
+void __freeres();  // NOLINT(bugprone-reserved-identifier): the runtime's own name
 }  // namespace __gnu_cxx
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds) {

@@ -19,7 +19,7 @@ struct ClearOnSuccess {
     static QLerr Failed(QLerr code, const char* message) noexcept {
         try {
             SetQlLastError(code, message);
-        } catch (...) {  // NOLINT(bugprone-empty-catch)
+        } catch (...) {
             // No memory for the record, or no slot to keep it in: the code alone has to do.
         }
         return code;

@@ -10,10 +10,11 @@
 #include <quarlin/strings.h>
 
 #include <array>
+#include <cstdarg>
 #include <limits>
 #include <string>
 
-using namespace quarlin;  // NOLINT(google-build-using-namespace)
+using namespace quarlin;
 
 namespace {
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace quarlin {
 namespace {
@@ -60,8 +61,7 @@ QLerr SetQlLastError(QLerr code, const char* message) {
     if (fresh) {
         recordCount.fetch_add(1, std::memory_order_relaxed);
     }
-    // The slot owns it now.
-    fresh.release();  // NOLINT(bugprone-unused-return-value)
+    fresh.release();  // NOLINT(bugprone-unused-return-value): the slot owns it now
     return code;
 }
 

@@ -49,6 +49,11 @@ Path PrepareLogPath() {
 // The log is reserved: its file is kept open, positioned at its end, and nothing writes to it yet.
 class LogFile {
   public:
+    LogFile() = default;
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+    ~LogFile() { Close(); }
+
     void Open(const wchar_t* path) {
         handle_ =
             CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -70,6 +75,11 @@ class LogFile {
 
 class AutoResetEvent {
   public:
+    AutoResetEvent() = default;
+    AutoResetEvent(const AutoResetEvent&) = delete;
+    AutoResetEvent& operator=(const AutoResetEvent&) = delete;
+    ~AutoResetEvent() { Close(); }
+
     void Create() { handle_ = CreateEventW(nullptr, FALSE, FALSE, nullptr); }
 
     void Close() {

@@ -186,7 +186,7 @@ class CachedModel {
 
     // A longer text leaves the buffer as it was.
     void Store(const wchar_t* model) {
-        if (std::wcslen(model) + 1 < text_.size() + 1) {
+        if (std::wcslen(model) + 1 <= text_.size()) {
             WideToUtf8(text_.data(), static_cast<int>(text_.size()), model);
             // A conversion that was cut leaves no terminator.
             text_.back() = '\0';

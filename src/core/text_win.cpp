@@ -14,7 +14,7 @@ namespace {
 constexpr const char* kCopyFailed = "Failed to copy string";
 constexpr const char* kPrintFailed = "Failed to print formatted string";
 
-void Require(std::int32_t result, const char* context) {
+void RequireWhole(std::int32_t result, const char* context) {
     if (result < 0) {
         ThrowWin32Error(context, static_cast<std::uint32_t>(result));
     }
@@ -31,11 +31,11 @@ std::int32_t MeasurePrint(const wchar_t* format, std::va_list args) {
 }  // namespace
 
 void BoundedCopyWide(wchar_t* dst, std::int32_t dstCount, const wchar_t* src) {
-    Require(BoundedCopy(dst, dstCount, src), kCopyFailed);
+    RequireWhole(BoundedCopy(dst, dstCount, src), kCopyFailed);
 }
 
 void BoundedCopyNarrow(char* dst, std::int32_t dstCount, const char* src) {
-    Require(BoundedCopy(dst, dstCount, src), kCopyFailed);
+    RequireWhole(BoundedCopy(dst, dstCount, src), kCopyFailed);
 }
 
 std::int32_t BoundedPrintfWide(wchar_t* dst, std::int32_t dstCount, const wchar_t* format, std::va_list args) {
@@ -57,7 +57,7 @@ std::int32_t BoundedPrintfWide(wchar_t* dst, std::int32_t dstCount, const wchar_
         dst[written] = L'\0';
         result = needed < 0 || needed > room ? kTextInsufficientBuffer : kTextOk;
     }
-    Require(result, kPrintFailed);
+    RequireWhole(result, kPrintFailed);
     return written;
 }
 

@@ -7,29 +7,24 @@
 #include <new>
 
 namespace quarlin {
-
 namespace {
-
-[[noreturn]] void Fail(const char* message) {
-    throw QuarlinException(QLERR_INTERNAL_ERROR, message);
-}
 
 // The library's own slots are made while it is being loaded, where the system's loader is the only one to catch. The
 // runtime cannot run clean-ups on the way to a handler that is not its own, so nothing that needs one lives here.
 std::uint32_t* MakeIndexCell() {
     const DWORD index = TlsAlloc();
     if (index == TLS_OUT_OF_INDEXES) {
-        Fail("Out of TLS indices");
+        Fail(QLERR_INTERNAL_ERROR, "Out of TLS indices");
     }
     auto* const cell = new (std::nothrow) std::uint32_t(index);
     if (cell == nullptr) {
         TlsFree(index);
-        Fail("ThreadLocal is not valid");
+        Fail(QLERR_INTERNAL_ERROR, "ThreadLocal is not valid");
     }
     if (!TlsSetValue(index, nullptr)) {
         delete cell;
         TlsFree(index);
-        Fail("Failed to set TLS value");
+        Fail(QLERR_INTERNAL_ERROR, "Failed to set TLS value");
     }
     return cell;
 }
@@ -50,9 +45,7 @@ void* ThreadLocal::Get() const {
 }
 
 void ThreadLocal::Set(void* value) {
-    if (!TlsSetValue(Index(), value)) {
-        throw QuarlinException(QLERR_INTERNAL_ERROR, "Failed to set TLS value");
-    }
+    Require(TlsSetValue(Index(), value), QLERR_INTERNAL_ERROR, "Failed to set TLS value");
 }
 
 std::uint32_t ThreadLocal::Index() const {

@@ -59,8 +59,11 @@ bool FitsInteger(double value) {
 
 // Times that no receiver sends: held at the limits, and 0 for what is no number at all.
 std::int32_t Held(double value) {
-    if (FitsInteger(value) || std::isnan(value)) {
-        return std::isnan(value) ? 0 : static_cast<std::int32_t>(value);
+    if (std::isnan(value)) {
+        return 0;
+    }
+    if (FitsInteger(value)) {
+        return static_cast<std::int32_t>(value);
     }
     return value < 0 ? Limits::min() : Limits::max();
 }

@@ -8,9 +8,10 @@
 #include <quarlin/gps.h>
 
 #include <cstring>
+#include <string>
 
-using namespace quarlin;       // NOLINT(google-build-using-namespace)
-using namespace quarlin::gps;  // NOLINT(google-build-using-namespace)
+using namespace quarlin;
+using namespace quarlin::gps;
 
 namespace {
 
@@ -145,6 +146,7 @@ QLerr GPS_VerifyAvailable() {
     return Export([] { Require(gpsFamily.ReceiverCount() != 0, QLERR_OP_UNSUPPORTED, "Device Not available"); });
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): the interface's signature, with room for a version to come
 QLerr QLGPS_GetDeviceFirmwareVersion(char* buffer, int size) {
     return Export([&] {
         Require(buffer != nullptr, QLERR_BUFFER_OVERFLOW, kModuleNameNull);

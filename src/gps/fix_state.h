@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "gps/date_time_text.h"
 #include "gps/satellite_table.h"
 #include "gps/used_satellites.h"
 
 #include <quarlin/gps.h>
 
-#include <array>
 #include <cstdint>
 #include <string>
 
@@ -34,8 +34,8 @@ struct FixState {
     double pdop = 0;
     double speed = 0;    // knots
     double bearing = 0;  // degrees
-    std::array<char, 40> timeText{};
-    std::array<char, 40> dateText{};
+    DateTimeText timeText{};
+    DateTimeText dateText{};
     std::int32_t fixQuality = 0;
     std::int32_t fixType = 0;
     std::int32_t fixSelection = 0;

@@ -22,7 +22,8 @@ class GpsFamily {
         Require(gps_ != nullptr, QLERR_INVALID_STATE, "GPS has not been initialized.");
         return *gps_;
     }
-    // Raises QLERR_INVALID_STATE, in words of its own, when not initialised.
+    // Raises QLERR_INVALID_STATE, in words of its own, when not initialised. A second line of defence of two functions:
+    // the receiver exists exactly while the family is initialised.
     void RequireInitialized() const;
 
     // 1 after a port check that succeeded, 0 after one that failed. Outlives Uninitialize.

@@ -4,6 +4,8 @@
 #include "gps/date_time_text.h"
 #include "gps/nmea_fields.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <type_traits>
 
@@ -32,7 +34,7 @@ std::uint32_t LineType(const char* line) {
 
 // "5321.6802" is 53 degrees and 21.6802 minutes.
 double Degrees(double ddmm) {
-    // A conversion there and back cuts the fraction off at once; std::trunc may be a call.
+    // A conversion there and back cuts the fraction off at once, for what fits into 32 bits; std::trunc may be a call.
     constexpr double kFitting = 1e9;
     const double hundredth = ddmm / 100;
     const double degrees =

@@ -6,7 +6,8 @@
 namespace quarlin::gps {
 
 // One thread that runs a procedure to its end. It keeps the library loaded while it runs, so that an application that
-// frees the library with the receiver enabled does not leave a thread in code that is gone.
+// frees the library with the receiver enabled does not leave a thread in code that is gone. Whoever started it joins
+// it: the destructor does not, because at the end of the process the system has ended the thread already.
 class ReaderThread {
   public:
     using Procedure = void (*)(void* argument);

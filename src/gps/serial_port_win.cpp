@@ -60,7 +60,7 @@ void SerialPort::Close() {
 }
 
 SerialPort::ReadResult SerialPort::ReadByte(unsigned char& byte) const {
-    const HANDLE handle = handle_;
+    auto* const handle = handle_.load();
     if (handle == INVALID_HANDLE_VALUE) {
         // The number of the closed handle may belong to another file by now. (A read that starts in the very instant of
         // the close can still meet that file.)

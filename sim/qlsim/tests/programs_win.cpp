@@ -12,8 +12,6 @@
 namespace quarlin::sim::testing {
 namespace {
 
-constexpr DWORD kShortWhile = 10;  // milliseconds between two looks at something that has no event
-
 std::filesystem::path SimFolder() {
     std::array<wchar_t, MAX_PATH> self{};
     GetModuleFileNameW(nullptr, self.data(), static_cast<DWORD>(self.size()));
@@ -29,6 +27,49 @@ std::wstring Temporary(const std::wstring& name) {
 HANDLE OpenPort(const std::wstring& name) {
     return CreateFileW(name.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
 }
+
+// The host's folder in which a link stands for each port that is there, as the machine names the device of a port that
+// always is.
+std::wstring PortsFolder() {
+    std::array<wchar_t, MAX_PATH> device{};
+    DWORD size = sizeof device;
+    if (RegGetValueW(HKEY_LOCAL_MACHINE, L"Software\\Wine\\Ports", L"COM8", RRF_RT_REG_SZ, nullptr, device.data(),
+                     &size) != ERROR_SUCCESS) {
+        throw std::runtime_error("the machine does not tell the device of COM8");
+    }
+    return L"Z:" + std::filesystem::path(device.data()).parent_path().wstring();
+}
+
+// Tells when ports come and go.
+class PortsChange {
+  public:
+    PortsChange() {
+        if (notification_ == INVALID_HANDLE_VALUE) {
+            throw std::runtime_error("the folder of the ports cannot be watched: " + SystemMessage(GetLastError()));
+        }
+    }
+    PortsChange(const PortsChange&) = delete;
+    PortsChange& operator=(const PortsChange&) = delete;
+    ~PortsChange() { FindCloseChangeNotification(notification_); }
+
+    // Looks until the condition holds, at once and after each change. False when it does not come true in time.
+    template <typename Condition>
+    bool WaitUntil(Condition condition) {
+        const ULONGLONG deadline = GetTickCount64() + kPatience;
+        while (!condition()) {
+            const ULONGLONG now = GetTickCount64();
+            if (now >= deadline ||
+                WaitForSingleObject(notification_, static_cast<DWORD>(deadline - now)) != WAIT_OBJECT_0 ||
+                !FindNextChangeNotification(notification_)) {
+                return condition();
+            }
+        }
+        return true;
+    }
+
+  private:
+    HANDLE notification_ = FindFirstChangeNotificationW(PortsFolder().c_str(), FALSE, FILE_NOTIFY_CHANGE_FILE_NAME);
+};
 
 }  // namespace
 
@@ -90,11 +131,10 @@ std::string TemporaryFile::Path() const {
 }
 
 ApplicationPort::ApplicationPort(const std::wstring& name) {
-    const ULONGLONG deadline = GetTickCount64() + kPatience;
-    for (handle_ = OwnedHandle(OpenPort(name)); !handle_ && GetTickCount64() < deadline;
-         handle_ = OwnedHandle(OpenPort(name))) {
-        Sleep(kShortWhile);
-    }
+    PortsChange().WaitUntil([&] {
+        handle_ = OwnedHandle(OpenPort(name));
+        return IsOpen();
+    });
     COMMTIMEOUTS timeouts{};
     timeouts.ReadIntervalTimeout = 5;
     timeouts.ReadTotalTimeoutConstant = 50;
@@ -143,20 +183,14 @@ bool ApplicationPort::WaitForLoss() {
         if (GetTickCount64() >= deadline) {
             return false;
         }
-        Sleep(kShortWhile);
+        // Waits for the device to say something or to go.
+        ReadMore();
     }
     return true;
 }
 
 bool WaitUntilAbsent(const std::wstring& name) {
-    const ULONGLONG deadline = GetTickCount64() + kPatience;
-    while (OwnedHandle(OpenPort(name))) {
-        if (GetTickCount64() >= deadline) {
-            return false;
-        }
-        Sleep(kShortWhile);
-    }
-    return true;
+    return PortsChange().WaitUntil([&] { return !OwnedHandle(OpenPort(name)); });
 }
 
 }  // namespace quarlin::sim::testing

@@ -235,6 +235,7 @@ TEST(GpsConcurrentGetters, SeeTimeStampsOfTheStream) {
 TEST(GpsConcurrentGetters, KeepTheirFailuresApart) {
     const auto read = [](Observer& observer) {
         thread_local int turn = 0;
+        thread_local double lastSpeed = 0;
         const GpsValues values = ReadValues();
         if (values.speed != std::floor(values.speed) || values.inView > 8) {
             observer.Complain("values that nobody sent");
@@ -248,7 +249,8 @@ TEST(GpsConcurrentGetters, KeepTheirFailuresApart) {
         if (code != expected || text.data() != std::string(turn % 2 == 0 ? "pointer arg cannot be NULL" : "")) {
             observer.Complain(std::string("another thread's error: ") + text.data());
         }
-        ++observer.changes;
+        observer.changes += values.speed != lastSpeed ? 1 : 0;
+        lastSpeed = values.speed;
     };
     ReadingGps gps;
     ExpectGoodReads(ReadWhileSending(gps, AllRounds(), read));
@@ -276,6 +278,73 @@ TEST(GpsConcurrentGetters, SeeOnlyPositionsOfAReceiversLog) {
         }
         observer.changes += position != last ? 1 : 0;
         last = position;
+    };
+    ReadingGps gps;
+    ExpectGoodReads(ReadWhileSending(gps, log, read));
+}
+
+// What the getters of single values may give while a log is sent.
+class ValuesOfALog {
+  public:
+    explicit ValuesOfALog(const std::string& log)
+        : speeds_(NumbersOf(log, "RMC", 7)),
+          bearings_(NumbersOf(log, "RMC", 8)),
+          pdops_(NumbersOf(log, "GSA", 15)),
+          hdops_(NumbersOf(log, "GSA", 16)),
+          vdops_(NumbersOf(log, "GSA", 17)),
+          qualities_(NumbersOf(log, "GGA", 6)),
+          timeStamps_(TimeStampsOf(log)) {}
+
+    // The first value that the log does not hold; empty when it holds them all.
+    std::string Stranger(const GpsValues& values) const {
+        const std::array<Check, 7> checks{{{"speed", NumberText(values.speed), speeds_},
+                                           {"bearing", NumberText(values.bearing), bearings_},
+                                           {"PDOP", NumberText(values.pdop), pdops_},
+                                           {"HDOP", NumberText(values.hdop), hdops_},
+                                           {"VDOP", NumberText(values.vdop), vdops_},
+                                           {"quality", NumberText(values.quality), qualities_},
+                                           {"time stamp", values.timeStamp, timeStamps_}}};
+        for (const Check& check : checks) {
+            if (check.held.count(check.value) == 0) {
+                return check.name + (" " + check.value);
+            }
+        }
+        return {};
+    }
+    size_t TimeStamps() const { return timeStamps_.size(); }
+
+  private:
+    struct Check {
+        const char* name;
+        std::string value;
+        const std::set<std::string>& held;
+    };
+
+    std::set<std::string> speeds_;
+    std::set<std::string> bearings_;
+    std::set<std::string> pdops_;
+    std::set<std::string> hdops_;
+    std::set<std::string> vdops_;
+    std::set<std::string> qualities_;
+    std::set<std::string> timeStamps_;
+};
+
+TEST(GpsConcurrentGetters, SeeOnlyValuesOfAReceiversLog) {
+    const std::string log = ReadReceiverLog("quectel-l76k-nmea.nmea");
+    if (log.empty()) {
+        GTEST_SKIP() << kNoReceiverLogs;
+    }
+    const ValuesOfALog held(log);
+    ASSERT_GT(held.TimeStamps(), 20U);
+    const auto read = [&held](Observer& observer) {
+        thread_local std::string last;
+        const GpsValues values = ReadValues();
+        const std::string stranger = held.Stranger(values);
+        if (!stranger.empty()) {
+            observer.Complain("not of the log: " + stranger);
+        }
+        observer.changes += values.timeStamp != last ? 1 : 0;
+        last = values.timeStamp;
     };
     ReadingGps gps;
     ExpectGoodReads(ReadWhileSending(gps, log, read));

@@ -187,6 +187,22 @@ TEST_F(GpsInitialize, DeviceCountNeedsAPointer) {
     EXPECT_FAILURE(QLGPS_GetGpsDevices(nullptr), QLERR_BUFFER_OVERFLOW, "buffer pointer is NULL");
 }
 
+BOOL WINAPI RefuseSection(LPCRITICAL_SECTION, DWORD, DWORD) {
+    return FALSE;
+}
+
+TEST(GpsInitializeWithoutACriticalSection, FailsAndMayBeTriedAgain) {
+    {
+        const ImportHook hook("kernel32.dll", "InitializeCriticalSectionEx", &RefuseSection);
+        EXPECT_FAILURE(QLGPS_Initialize(3), QLERR_INTERNAL_ERROR, "Could not initialize critical section.");
+    }
+    EXPECT_FAILURE(QLGPS_Enable(), QLERR_INVALID_STATE, kNotInitialized);
+    EXPECT_FAILURE(QLGPS_Uninitialize(), QLERR_INVALID_STATE, kNotInitialized);
+
+    const GpsSession session(3);
+    EXPECT_SUCCESS(QLGPS_Disable());
+}
+
 // What the port provider answers.
 
 TEST(GpsPortCheck, RefusesAPortThatTheMachineHasNot) {

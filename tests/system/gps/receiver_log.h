@@ -27,4 +27,13 @@ std::string PositionText(double latitude, double longitude, double altitude);
 // The positions of the complete GGA sentences of a log.
 std::set<std::string> PositionsOf(const std::string& log);
 
+// A number as a text, for the same.
+std::string NumberText(double number);
+
+// What one field of the sentences of a kind holds in the course of a log, first nothing, which reads as 0.
+std::set<std::string> NumbersOf(const std::string& log, const std::string& kind, size_t field);
+
+// The time stamps in the course of a log: the time of a GGA sentence, the date of an RMC sentence, whichever came last.
+std::set<std::string> TimeStampsOf(const std::string& log);
+
 }  // namespace quarlin::test
