@@ -172,7 +172,7 @@ QL_IMPORT QLerr QLGPS_GetPDOP(double* pdop);
 /**
  * Satellites in view: the GPS satellites, then the GLONASS satellites.
  * @param records   receives the records; those that are not filled stay as they are. How many were filled is not told:
- *                  clear the array first, every record has a PRN other than 0 when its receiver gave one. Null:
+ *                  set @c used of every record to -1 first, which the library never writes. Null:
  *                  QLERR_INVALID_ARGUMENT, "Buffer pointer is NULL".
  * @param capacity  records that @p records holds; 150 are always enough.
  * @return QLERR_OK; QLERR_INVALID_STATE when not initialised; QLERR_INVALID_ARGUMENT; QLERR_BUFFER_OVERFLOW when there

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 
 namespace quarlin::qlctl {
 namespace {
@@ -13,8 +12,9 @@ namespace {
 constexpr size_t kMostSatellites = 150;
 constexpr size_t kTimeStampSize = 80;
 
-// The library does not tell how many records it filled: the first one that kept this number ends them.
-constexpr int32_t kUntouched = std::numeric_limits<int32_t>::min();
+// The library does not tell how many records it filled: the first one that kept this mark ends them. The library writes
+// 0 or 1 there; a satellite's number may be anything.
+constexpr int32_t kUntouched = -1;
 
 template <typename Value>
 Value Get(QLerr (*getter)(Value*)) {
@@ -24,10 +24,10 @@ Value Get(QLerr (*getter)(Value*)) {
 }
 
 std::vector<GpsGlonassSatellite> ReadSatellites() {
-    std::vector<GpsGlonassSatellite> satellites(kMostSatellites, GpsGlonassSatellite{kUntouched, 0, 0, 0, 0});
+    std::vector<GpsGlonassSatellite> satellites(kMostSatellites, GpsGlonassSatellite{0, 0, 0, 0, kUntouched});
     Check(QLGPS_GetSatellites(satellites.data(), static_cast<int>(satellites.size())));
     const auto end = std::find_if(satellites.begin(), satellites.end(),
-                                  [](const GpsGlonassSatellite& satellite) { return satellite.PRN == kUntouched; });
+                                  [](const GpsGlonassSatellite& satellite) { return satellite.used == kUntouched; });
     satellites.erase(end, satellites.end());
     return satellites;
 }
