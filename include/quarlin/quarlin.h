@@ -6,9 +6,13 @@
 #ifndef QUARLIN_QUARLIN_H
 #define QUARLIN_QUARLIN_H
 
+#include "camera.h"
+#include "card_reader.h"
+#include "device.h"
 #include "error.h"
 #include "gps.h"
 #include "library.h"
 #include "strings.h"
+#include "uhf_rfid.h"
 
 #endif

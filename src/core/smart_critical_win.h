@@ -24,9 +24,31 @@ class CSmartCritical {
     // How many wrappers hold it now. Exact for the holder alone.
     std::int32_t LockCount() const { return lockCount_; }
 
-  private:
-    friend class CSmartCriticalWrapper;
+    // For locks that are built on this one; others use a wrapper. Entering one that was not initialised does nothing
+    // and succeeds.
+    void Enter() {
+        if (initialized_ != 0) {
+            EnterCriticalSection(&section_);
+            ++lockCount_;
+        }
+    }
+    bool TryEnter() {
+        if (initialized_ != 0) {
+            if (!TryEnterCriticalSection(&section_)) {
+                return false;
+            }
+            ++lockCount_;
+        }
+        return true;
+    }
+    void Leave() {
+        if (initialized_ != 0) {
+            --lockCount_;
+            LeaveCriticalSection(&section_);
+        }
+    }
 
+  private:
     CRITICAL_SECTION section_{};
     std::int32_t initialized_ = 0;
     std::int32_t lockCount_ = 0;
@@ -35,23 +57,35 @@ class CSmartCritical {
 // Holds a critical section while it lives; does nothing for one that was not initialised.
 class CSmartCriticalWrapper {
   public:
-    explicit CSmartCriticalWrapper(CSmartCritical& guarded) : guarded_(&guarded) {
-        if (guarded_->initialized_ != 0) {
-            EnterCriticalSection(&guarded_->section_);
-            ++guarded_->lockCount_;
-        }
-    }
+    explicit CSmartCriticalWrapper(CSmartCritical& guarded) : guarded_(&guarded) { guarded_->Enter(); }
     CSmartCriticalWrapper(const CSmartCriticalWrapper&) = delete;
     CSmartCriticalWrapper& operator=(const CSmartCriticalWrapper&) = delete;
-    virtual ~CSmartCriticalWrapper() {
-        if (guarded_->initialized_ != 0) {
-            --guarded_->lockCount_;
-            LeaveCriticalSection(&guarded_->section_);
+    virtual ~CSmartCriticalWrapper() { guarded_->Leave(); }
+
+  private:
+    CSmartCritical* guarded_;
+};
+
+// Lets a critical section go while it lives, however often the thread that holds it has entered it; the thread then
+// holds it as often again.
+class CSmartCriticalRelease {
+  public:
+    explicit CSmartCriticalRelease(CSmartCritical& held) : held_(&held), levels_(held.LockCount()) {
+        for (std::int32_t level = 0; level < levels_; ++level) {
+            held_->Leave();
+        }
+    }
+    CSmartCriticalRelease(const CSmartCriticalRelease&) = delete;
+    CSmartCriticalRelease& operator=(const CSmartCriticalRelease&) = delete;
+    ~CSmartCriticalRelease() {
+        for (std::int32_t level = 0; level < levels_; ++level) {
+            held_->Enter();
         }
     }
 
   private:
-    CSmartCritical* guarded_;
+    CSmartCritical* held_;
+    std::int32_t levels_;
 };
 
 }  // namespace quarlin

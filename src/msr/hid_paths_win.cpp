@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "msr/hid_paths_win.h"
+
+#include <windows.h>
+
+#include <setupapi.h>
+
+extern "C" {
+#include <hidsdi.h>
+}
+
+#include <algorithm>
+#include <cstddef>
+#include <cwctype>
+#include <memory>
+#include <new>
+
+namespace quarlin::msr {
+
+namespace {
+
+class DeviceInfoSet {
+  public:
+    explicit DeviceInfoSet(const GUID& interfaceClass)
+        : set_(SetupDiGetClassDevsW(&interfaceClass, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE)) {}
+    DeviceInfoSet(const DeviceInfoSet&) = delete;
+    DeviceInfoSet& operator=(const DeviceInfoSet&) = delete;
+    ~DeviceInfoSet() {
+        if (IsValid()) {
+            SetupDiDestroyDeviceInfoList(set_);
+        }
+    }
+
+    bool IsValid() const { return set_ != nullptr && set_ != INVALID_HANDLE_VALUE; }
+    HDEVINFO Get() const { return set_; }
+
+  private:
+    HDEVINFO set_;
+};
+
+// Empty when the system does not give it.
+std::wstring InterfacePath(HDEVINFO set, SP_DEVICE_INTERFACE_DATA& interfaceData) {
+    DWORD size = 0;
+    if (SetupDiGetDeviceInterfaceDetailW(set, &interfaceData, nullptr, 0, &size, nullptr) ||
+        GetLastError() != ERROR_INSUFFICIENT_BUFFER || size < sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_W)) {
+        return {};
+    }
+    const std::unique_ptr<std::byte[]> buffer(new std::byte[size]());
+    auto* const detail = reinterpret_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_W*>(buffer.get());
+    static_assert(sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_W) == 8);
+    detail->cbSize = sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_W);
+    if (!SetupDiGetDeviceInterfaceDetailW(set, &interfaceData, detail, size, nullptr, nullptr)) {
+        return {};
+    }
+    std::wstring path(detail->DevicePath);
+    std::ranges::transform(path, path.begin(), [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
+    return path;
+}
+
+}  // namespace
+
+void AppendHidPaths(std::vector<std::wstring>& paths) {
+    GUID hidClass;
+    HidD_GetHidGuid(&hidClass);
+    const DeviceInfoSet set(hidClass);
+    if (!set.IsValid()) {
+        return;
+    }
+    try {
+        for (DWORD index = 0;; ++index) {
+            SP_DEVICE_INTERFACE_DATA interfaceData{};
+            interfaceData.cbSize = sizeof interfaceData;
+            if (!SetupDiEnumDeviceInterfaces(set.Get(), nullptr, &hidClass, index, &interfaceData)) {
+                return;
+            }
+            std::wstring path = InterfacePath(set.Get(), interfaceData);
+            if (path.empty()) {
+                return;
+            }
+            paths.push_back(std::move(path));
+        }
+    } catch (const std::bad_alloc&) {
+        // The list ends here.
+    }
+}
+
+}  // namespace quarlin::msr
