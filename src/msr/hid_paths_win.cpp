@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "msr/hid_paths_win.h"
 
-#include <windows.h>
-
-#include <setupapi.h>
-
-extern "C" {
-#include <hidsdi.h>
-}
+#include "core/device_owners_win.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -18,25 +12,6 @@ extern "C" {
 namespace quarlin::msr {
 
 namespace {
-
-class DeviceInfoSet {
-  public:
-    explicit DeviceInfoSet(const GUID& interfaceClass)
-        : set_(SetupDiGetClassDevsW(&interfaceClass, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE)) {}
-    DeviceInfoSet(const DeviceInfoSet&) = delete;
-    DeviceInfoSet& operator=(const DeviceInfoSet&) = delete;
-    ~DeviceInfoSet() {
-        if (IsValid()) {
-            SetupDiDestroyDeviceInfoList(set_);
-        }
-    }
-
-    bool IsValid() const { return set_ != nullptr && set_ != INVALID_HANDLE_VALUE; }
-    HDEVINFO Get() const { return set_; }
-
-  private:
-    HDEVINFO set_;
-};
 
 // Empty when the system does not give it.
 std::wstring InterfacePath(HDEVINFO set, SP_DEVICE_INTERFACE_DATA& interfaceData) {
@@ -62,7 +37,8 @@ std::wstring InterfacePath(HDEVINFO set, SP_DEVICE_INTERFACE_DATA& interfaceData
 void AppendHidPaths(std::vector<std::wstring>& paths) {
     GUID hidClass;
     HidD_GetHidGuid(&hidClass);
-    const DeviceInfoSet set(hidClass);
+    const DeviceInterfaceList set(
+        SetupDiGetClassDevsW(&hidClass, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE));
     if (!set.IsValid()) {
         return;
     }

@@ -111,8 +111,7 @@ bool CUsbHidDev::GetFeatureReportRaw(std::uint8_t* buffer, std::uint32_t length)
 
 bool CUsbHidDev::GetCaps(HIDP_CAPS* caps) {
     const CSmartCriticalWrapper held(lock_);
-    return caps != nullptr && preparsedData_.Get() != nullptr &&
-           HidP_GetCaps(preparsedData_.Get(), caps) == HIDP_STATUS_SUCCESS;
+    return caps != nullptr && preparsedData_.GetCapabilities(*caps);
 }
 
 bool CUsbHidDev::GetPreparsedData(PHIDP_PREPARSED_DATA* data) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/device_owners_win.h"
 #include "core/smart_critical_win.h"
-#include "msr/hid_handles_win.h"
 
 #include <cstdint>
 #include <functional>
@@ -79,7 +79,7 @@ class CUsbHidDev {
 
     std::vector<std::wstring> paths_;
     IUsbHidDevListener* listener_ = nullptr;
-    KernelHandle file_{INVALID_HANDLE_VALUE};
+    FileHandle file_;
     PreparsedData preparsedData_;
     HIDP_CAPS caps_{};
     KernelHandle port_{nullptr};

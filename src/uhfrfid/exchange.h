@@ -24,6 +24,11 @@ class ReaderTransport {
     virtual std::optional<std::size_t> Receive(std::span<std::uint8_t> buffer) = 0;
 };
 
+// A byte of a reply that stands for a number below 0, too.
+inline int SignedByte(std::uint8_t byte) {
+    return byte < 0x80 ? byte : byte - 0x100;
+}
+
 // The reader's answer. Its bytes are untrusted: one that was not received cannot be had.
 class Reply {
   public:

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "uhfrfid/query_parameter.h"
 
+#include "uhfrfid/exchange.h"
+
 #include <algorithm>
 #include <array>
 
@@ -39,7 +41,7 @@ std::int64_t DecodeUnsigned(std::uint8_t byte) {
 }
 
 std::int64_t DecodeSigned(std::uint8_t byte) {
-    return static_cast<std::int8_t>(byte);
+    return SignedByte(byte);
 }
 
 }  // namespace

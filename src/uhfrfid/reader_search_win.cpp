@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "uhfrfid/reader_search_win.h"
 
+#include "core/device_owners_win.h"
 #include "uhfrfid/result_text.h"
-#include "uhfrfid/system_owners_win.h"
 
 #include <memory>
 #include <new>
@@ -70,15 +70,18 @@ bool FindPath(const DeviceInterfaceList& list, const GUID& interfaceClass, Inter
 FoundReader OpenFirstReader() {
     GUID hidClass{};
     HidD_GetHidGuid(&hidClass);
-    const DeviceInterfaceList list(hidClass);
+    const DeviceInterfaceList list(
+        SetupDiGetClassDevsA(&hidClass, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE));
     Require(list.IsValid(), QLERR_UHFRFID_SYSTEM, CodeName);
 
     InterfacePath path;
     Require(FindPath(list, hidClass, path), QLERR_UHFRFID_DEVICENOTFOUND, CodeName);
     FileHandle reader = path.Open(GENERIC_READ | GENERIC_WRITE);
     Require(reader.IsValid(), QLERR_UHFRFID_INVALID_HANDLE, CodeName);
+    PreparsedData preparsedData;
     HIDP_CAPS capabilities{};
-    Require(PreparsedData(reader.Get()).GetCapabilities(capabilities), QLERR_UHFRFID_INVALID_HANDLE, CodeName);
+    Require(HidD_GetPreparsedData(reader.Get(), preparsedData.Out()) && preparsedData.GetCapabilities(capabilities),
+            QLERR_UHFRFID_INVALID_HANDLE, CodeName);
     return {reader.Release(), capabilities.OutputReportByteLength};
 }
 

@@ -84,7 +84,7 @@ void TagReader::FindTag(Inventory which, char* tagId, int* length, int* signal) 
     constexpr std::size_t kId = 9;
     Require(reply.Byte(kFound) != 0, QLERR_UHFRFID_NO_TAGS, ReaderMessage);
     const auto identifier = reply.Bytes(kId, reply.Byte(kIdLength));
-    const auto strength = static_cast<std::int8_t>(reply.Byte(kSignal));
+    const int strength = SignedByte(reply.Byte(kSignal));
     if (!identifier.empty()) {
         Require(identifier.size() <= static_cast<std::size_t>(capacity), QLERR_UHFRFID_BUFFERTOOSMALL, ReaderMessage);
         std::memcpy(tagId, identifier.data(), identifier.size());
