@@ -2,7 +2,9 @@
 # SPDX-License-Identifier: Apache-2.0
 """Runs the benchmarks, prints a table and writes build/bench/results.json. See bench/README.md.
 
-usage: run.py [--native BUILD_FOLDER] [--windows BUILD_FOLDER] [--output FILE] [--only parser|getters]
+usage: run.py [--native BUILD_FOLDER] [--windows BUILD_FOLDER] [--output FILE] [--only NAME] [--many N]
+
+NAME is one of parser, bytes, getters, card, rfid.
 """
 import argparse
 import datetime
@@ -18,6 +20,9 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 # Instructions are counted over the difference of two run lengths, so that start-up and reading the corpus cancel out.
 PASSES = (1, 5)
+BYTES_PASSES = (100, 1100)
+# Swipes and exchanges in a row.
+MANY = 100_000
 
 
 def note(text):
@@ -58,24 +63,72 @@ def instructions_of(bench, passes, arguments, work):
     return int(re.search(r"refs: *([0-9,]+)", log).group(1).replace(",", ""))
 
 
+def instructions_per_pass(bench, few, many, arguments, work):
+    """None without valgrind."""
+    if not shutil.which("valgrind"):
+        return None
+    counts = [instructions_of(bench, passes, arguments, work) for passes in (few, many)]
+    return (counts[1] - counts[0]) / (many - few)
+
+
 def measure_parser(native, work):
     bench = need(native / "bench" / "nmea_parser_bench")
     path, origin = corpus(native, work)
     arguments = [path] if path else []
     note(f"Parser, corpus {origin} ...")
     times = json.loads(output_of([bench, *arguments])[0])
-    result = {"corpus": origin, **times, "instructions_per_sentence": None}
-    if shutil.which("valgrind"):
-        note("Parser, counting instructions ...")
-        few, many = (instructions_of(bench, passes, arguments, work) for passes in PASSES)
-        result["instructions_per_sentence"] = (many - few) / (PASSES[1] - PASSES[0]) / times["sentences"]
+    note("Parser, counting instructions ...")
+    count = instructions_per_pass(bench, *PASSES, arguments, work)
+    return {"corpus": origin, **times, "instructions_per_sentence": count and count / times["sentences"]}
+
+
+def measure_bytes(native, work):
+    bench = need(native / "bench" / "device_bytes_bench")
+    note("Swipe and reply, natively ...")
+    result = json.loads(output_of([bench])[0])
+    for name, facts in result.items():
+        facts["instructions"] = instructions_per_pass(bench, *BYTES_PASSES, [name], work)
     return result
 
 
-def measure_getters(windows):
-    bench = need(windows / "bench" / "getter_call_bench.exe")
-    note("Getter, on the simulated machine ...")
-    return json.loads(output_of([ROOT / "sim" / "machine" / "run", bench])[0])
+def on_machine(windows, name, *arguments):
+    bench = need(windows / "bench" / name)
+    note(f"{name}, on the simulated machine ...")
+    return json.loads(output_of([ROOT / "sim" / "machine" / "run", bench, *arguments])[0])
+
+
+def shown(value, form, unit=""):
+    return f"{value:{form}}{unit}" if value is not None else "(no valgrind)"
+
+
+def bytes_rows(measured):
+    for name, facts in measured.items():
+        title = {"swipe": "swipe into its record", "reply": "reply into a tag"}[name]
+        yield title, f"{facts['ns']:.1f} ns", ""
+        yield "  instructions", shown(facts["instructions"], ".0f"), ""
+        yield "  / copying its bytes once", f"{facts['multiple_of_copy']:.1f}", ""
+
+
+def card_rows(card):
+    yield "swipe to a bare read", f"{card['bare_read_us']:.1f} us", ""
+    yield "swipe to the callback", f"{card['callback_us']:.1f} us", ""
+    yield "callback / bare read", f"{card['multiple_of_bare_read']:.3f}", "<= 1.15"
+    yield from long_run_rows(card, "swipes", card["swipes"] - card["arrived"], card["out_of_order"])
+    yield "  one after the other", f"{card['us_per_swipe']:.1f} us", ""
+
+
+def rfid_rows(rfid):
+    yield "bare exchange", f"{rfid['bare_exchange_us']:.1f} us", ""
+    yield "QLUHFRFID_GetPower", f"{rfid['exchange_us']:.1f} us", ""
+    yield "exchange / bare exchange", f"{rfid['multiple_of_bare_exchange']:.3f}", "<= 1.05"
+    yield from long_run_rows(rfid, "exchanges", 0, rfid["wrong_answers"])
+
+
+def long_run_rows(run, what, missing, wrong):
+    yield f"{what} in a row", f"{run[what]}", ""
+    yield "  lost, wrong or doubled", f"{missing}, {wrong}", "0, 0"
+    yield "  handles before, after", f"{run['handles_before']}, {run['handles_after']}", "equal"
+    yield "  working set before, after", f"{run['working_set_kb_before']}, {run['working_set_kb_after']} KB", "flat"
 
 
 def table(results):
@@ -98,8 +151,11 @@ def table(results):
             ("C, a critical section", f"{getters['critical_section_ns']:.2f} ns", ""),
             ("QLGPS_GetSpeed / (P + C)", f"{getters['multiple_of_call_and_lock']:.2f}", "<= 1.5"),
         ]
-    lines = [f"{'':<32}{'measured':>14}   goal"]
-    lines += [f"{name:<32}{value:>14}   {goal}".rstrip() for name, value, goal in rows]
+    for name, rows_of in (("bytes", bytes_rows), ("card", card_rows), ("rfid", rfid_rows)):
+        if name in results:
+            rows += rows_of(results[name])
+    lines = [f"{'':<32}{'measured':>18}   goal"]
+    lines += [f"{name:<32}{value:>18}   {goal}".rstrip() for name, value, goal in rows]
     if "parser" in results:
         lines.append(f"corpus: {results['parser']['sentences']} sentences, {results['parser']['corpus']}")
     return "\n".join(lines)
@@ -110,7 +166,8 @@ def main():
     parser.add_argument("--native", type=pathlib.Path, default=ROOT / "build" / "native-release")
     parser.add_argument("--windows", type=pathlib.Path, default=ROOT / "build" / "windows")
     parser.add_argument("--output", type=pathlib.Path, default=ROOT / "build" / "bench" / "results.json")
-    parser.add_argument("--only", choices=("parser", "getters"))
+    parser.add_argument("--only", choices=("parser", "bytes", "getters", "card", "rfid"))
+    parser.add_argument("--many", type=int, default=MANY, help="swipes and exchanges in a row")
     arguments = parser.parse_args()
 
     arguments.output.parent.mkdir(parents=True, exist_ok=True)
@@ -118,10 +175,17 @@ def main():
         "when": datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="seconds"),
         "machine": {"system": platform.platform(), "processors": os.cpu_count()},
     }
-    if arguments.only != "getters":
-        results["parser"] = measure_parser(arguments.native, arguments.output.parent)
-    if arguments.only != "parser":
-        results["getters"] = measure_getters(arguments.windows)
+    work = arguments.output.parent
+    measurements = {
+        "parser": lambda: measure_parser(arguments.native, work),
+        "bytes": lambda: measure_bytes(arguments.native, work),
+        "getters": lambda: on_machine(arguments.windows, "getter_call_bench.exe"),
+        "card": lambda: on_machine(arguments.windows, "card_swipe_bench.exe", arguments.many),
+        "rfid": lambda: on_machine(arguments.windows, "rfid_exchange_bench.exe", arguments.many),
+    }
+    for name, measure in measurements.items():
+        if arguments.only in (None, name):
+            results[name] = measure()
     arguments.output.write_text(json.dumps(results, indent=2) + "\n", encoding="utf-8")
     print(table(results))
     print(f"written: {arguments.output}")

@@ -9,7 +9,7 @@ set -euo pipefail
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 readonly source_dir
 readonly build_dir=${QUARLIN_FUZZ_BUILD:-$source_dir/build/fuzz}
-readonly all_targets=(fuzz_line_reader fuzz_nmea_parser)
+readonly all_targets=(fuzz_feature_reply fuzz_line_reader fuzz_nmea_parser fuzz_swipe_report fuzz_uhf_reply)
 
 usage() {
     echo "usage: fuzz/run.sh SECONDS|--replay [TARGET]   targets: ${all_targets[*]}" >&2
@@ -47,6 +47,14 @@ findings() {
     find "$1" -type f ! -name 'slow-unit-*' | wc -l
 }
 
+dictionary() {
+    case $1 in
+        fuzz_feature_reply | fuzz_swipe_report) echo "$source_dir/fuzz/card.dict" ;;
+        fuzz_uhf_*) echo "$source_dir/fuzz/uhf.dict" ;;
+        *) echo "$source_dir/fuzz/nmea.dict" ;;
+    esac
+}
+
 readonly row='%-18s %12s %9s %9s %10s %12s %9s\n'
 # shellcheck disable=SC2059
 header=$(printf "$row" target executions seconds "covered" "new edges" "new inputs" findings)
@@ -68,7 +76,7 @@ for target in "${targets[@]}"; do
     if $replay; then
         options+=(-runs=0)
     else
-        options+=("-max_total_time=$seconds" "-dict=$source_dir/fuzz/nmea.dict" -max_len=4096)
+        options+=("-max_total_time=$seconds" "-dict=$(dictionary "$target")" -max_len=4096)
     fi
     status=0
     start=$SECONDS

@@ -21,9 +21,11 @@
  * Threads: any; all functions take turns under one lock, so that they may overlap. Swipes arrive on a thread of each
  * enabled reader. Callbacks never overlap, not even those of two readers. QLMSR_Disable, QLMSR_RemoveCallback,
  * QLMSR_ClearCallbacks and QLMSR_Uninitialize return after a callback in progress has ended; no callback begins
- * afterwards. A swipe that arrives while its reader is being disabled is dropped. While a callback runs, the other
- * functions that need a reader wait for it: keep it short, and hand the data to another thread rather than call a
- * QLMSR_ function from it. A thread of a reader keeps the DLL loaded.
+ * afterwards. A swipe that arrives while its reader is being disabled is dropped. While a callback runs, QLMSR_ calls of
+ * other threads wait for it: keep it short, and let it wait for no thread that may be in such a call. A callback may
+ * itself call the library. Calls that disable its reader, list readers or end the family take effect once it returns: it
+ * is not waited for, and a callback that it has removed is not called any more. A thread of a reader keeps the DLL
+ * loaded.
  */
 #ifndef QUARLIN_CARD_READER_H
 #define QUARLIN_CARD_READER_H
@@ -127,8 +129,8 @@ typedef struct MagTekExtras {
 QL_BEGIN_C
 
 /**
- * Receives a swipe, on the reader's thread. The record is valid until the function returns. It must not throw, must not
- * end its thread, and should not call QLMSR_ functions: see the top of this file.
+ * Receives a swipe, on the reader's thread. The record is valid until the function returns. It must not throw and must
+ * not end its thread. What it may call: see the top of this file.
  */
 typedef void (*QLMSR_Callback)(const MagStripeData* record);
 

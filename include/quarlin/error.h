@@ -6,14 +6,14 @@
  * The library in one page
  * -----------------------
  * - Prefixes: QLAPI_ errors, QLSTR_ text, QLLIB_ and QLMISC_ the library and the machine, QLMSR_ card readers, QLGPS_
- *   (and GPS_VerifyAvailable) the GPS receiver, QLUHFRFID_ the UHF RFID reader, QLDEVICE_ built-in devices and batteries,
- *   QLCAM_ the camera light.
+ *   (and GPS_VerifyAvailable) the GPS receiver, QLUHFRFID_ the UHF RFID reader, QLDEVICE_ built-in devices and
+ *   batteries, QLCAM_ the camera light.
  * - Every function returns a QLerr; that of QLAPI_GetLastError is the code that it fetched. Codes decide,
  *   texts explain: branch on the code, show the text to a person. The texts are fixed English
  *   sentences; where the system failed, its own words follow in the user's language.
  * - A failing call leaves its code and its text for the calling thread; QLAPI_GetLastError fetches them, once. A
- *   succeeding call erases what an earlier one left (the three QLMISC_ functions that do nothing erase nothing either),
- *   except that one of QLUHFRFID_ leaves QLERR_OK and the text "QLERR_OK". No thread sees another thread's record.
+ *   succeeding call erases what an earlier one left (the three QLMISC_ functions that do nothing erase nothing either);
+ *   one of QLUHFRFID_ leaves QLERR_OK and the text "QLERR_OK" instead. No thread sees another thread's record.
  * - Narrow text is UTF-8, wide text is UTF-16. Sizes of text buffers count elements (char or wchar_t), terminator
  *   included, unless said otherwise.
  * - All buffers belong to the caller. The library keeps no pointer beyond the call, except where a function says so.

@@ -13,10 +13,11 @@ namespace quarlin::msr {
 CardReaderFamily cardReaderFamily;
 
 void CardReaderFamily::Initialize() {
+    Require(lock_.IsInitialized(), QLERR_INTERNAL_ERROR, "Could not initialize critical section.");
     if (manager_ != nullptr) {
         Uninitialize();
     }
-    manager_ = CreateQlMagStripeMgr();
+    manager_ = CreateQlMagStripeMgr(lock_);
     Require(manager_ != nullptr, QLERR_INTERNAL_ERROR, "Could not create IQlMagStripeMgr instance.");
     // A manager that is not valid stays all the same: callers see the failure, and the next try replaces it.
     Require(manager_->IsValid(), QLERR_INTERNAL_ERROR, "fail initialize IQlMagStripeMgr.");
@@ -49,9 +50,10 @@ void CardReaderFamily::ListReaders(MagStripeReaderInfo* readers, int& count) {
 }
 
 void CardReaderFamily::Select(std::int32_t index) {
+    const std::uint64_t readers = Manager().GetDeviceCount();
     // -1 passes and stands for no reader.
     const std::int64_t next = std::int64_t{index} + 1;
-    Require(next >= 0 && static_cast<std::uint64_t>(next) <= Manager().GetDeviceCount(), QLERR_INVALID_ARGUMENT,
+    Require(next >= 0 && static_cast<std::uint64_t>(next) <= readers, QLERR_INVALID_ARGUMENT,
             "Not valid device index.");
     selectedIndex_ = index;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "core/smart_critical_win.h"
+#include "msr/card_reader_lock_win.h"
 #include "msr/magstripe_manager.h"
 
 #include <quarlin/card_reader.h>
@@ -14,7 +14,7 @@ namespace quarlin::msr {
 // the texts of its exported function.
 class CardReaderFamily {
   public:
-    CSmartCritical& Lock() { return lock_; }
+    CardReaderLock& Lock() { return lock_; }
 
     void Initialize();
     void Uninitialize();
@@ -29,7 +29,7 @@ class CardReaderFamily {
     bool IsSelectedEnabled() const;
 
   private:
-    CSmartCritical lock_;
+    CardReaderLock lock_;
     // Owned, and left to the system when the library is unloaded or the process ends with a manager alive: the threads
     // of its readers have been ended then wherever they were, locks and all.
     IQlMagStripeMgr* manager_ = nullptr;

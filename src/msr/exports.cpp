@@ -16,7 +16,7 @@ namespace {
 // what the calls report.
 template <typename Body>
 QLerr ExportCardReader(Body&& body) {
-    const CSmartCriticalWrapper held(cardReaderFamily.Lock());
+    const CardReaderLockHolder held(cardReaderFamily.Lock());
     return Export(std::forward<Body>(body));
 }
 
@@ -31,7 +31,7 @@ void RequireBothParameters(bool given) {
 }  // namespace
 
 QLerr QLMSR_Initialize() {
-    return ExportLocked(cardReaderFamily.Lock(), [] { cardReaderFamily.Initialize(); });
+    return ExportCardReader([] { cardReaderFamily.Initialize(); });
 }
 
 QLerr QLMSR_Uninitialize() {
@@ -48,7 +48,7 @@ QLerr QLMSR_GetMagStripeDevices(MagStripeReaderInfo* readers, int* count) {
 
 MagStripeReaderInfo* QLMSR_GetMagStripeDevices_DotNET(QLerr* result, int* count) {
     constexpr int kCapacity = 3;
-    const CSmartCriticalWrapper held(cardReaderFamily.Lock());
+    const CardReaderLockHolder held(cardReaderFamily.Lock());
     // The caller's, who releases it with the runtime's free.
     auto* const readers = static_cast<MagStripeReaderInfo*>(std::calloc(kCapacity, sizeof(MagStripeReaderInfo)));
     int listedCount = kCapacity;

@@ -234,11 +234,12 @@ void CMSRDevMagtekMagneSafeV5::AroundInputReport(const std::function<void()>& de
         }
         run->deliveringTo = listener;
     }
-    // The manager's lock first. A caller that holds it and stops this reader ends the wait, and the swipe is dropped.
-    listener->AroundSwipe(run->stopping, [&] {
+    // The outer locks first. A caller that holds them and stops this reader ends the wait, and the swipe is dropped.
+    auto withReaderLock = [&] {
         const CSmartCriticalWrapper held(ReaderLock());
         deliver();
-    });
+    };
+    listener->AroundSwipe(run->stopping, std::ref(withReaderLock));
     const CSmartCriticalWrapper held(ReaderLock());
     run->deliveringTo.reset();
 }

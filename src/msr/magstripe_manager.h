@@ -37,7 +37,10 @@ class IQlMagStripeMgr {
     virtual void DispatchSwipe(const MagStripeData* record) = 0;
 };
 
-// Owned by itself, until Destroy. Null when memory is short.
-IQlMagStripeMgr* CreateQlMagStripeMgr();
+class CardReaderLock;
+
+// Owned by itself, until Destroy. Null when memory is short. The lock is the one that its callers hold; swipes take it
+// as well.
+IQlMagStripeMgr* CreateQlMagStripeMgr(CardReaderLock& callersLock);
 
 }  // namespace quarlin::msr

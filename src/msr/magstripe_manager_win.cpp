@@ -48,13 +48,13 @@ bool Describe(IMSRDev& reader, MagStripeReaderInfo& info) {
 
 }  // namespace
 
-IQlMagStripeMgr* CreateQlMagStripeMgr() {
-    return CQlMagStripeMgr::Create().get();
+IQlMagStripeMgr* CreateQlMagStripeMgr(CardReaderLock& callersLock) {
+    return CQlMagStripeMgr::Create(callersLock).get();
 }
 
-std::shared_ptr<CQlMagStripeMgr> CQlMagStripeMgr::Create() {
+std::shared_ptr<CQlMagStripeMgr> CQlMagStripeMgr::Create(CardReaderLock& callersLock) {
     try {
-        auto manager = std::make_shared<CQlMagStripeMgr>();
+        auto manager = std::make_shared<CQlMagStripeMgr>(callersLock);
         manager->self_ = manager;
         return manager;
     } catch (const std::bad_alloc&) {
@@ -67,13 +67,13 @@ CQlMagStripeMgr::~CQlMagStripeMgr() {
 }
 
 bool CQlMagStripeMgr::Uninitialize() {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     ClearDevices();
     return true;
 }
 
 void CQlMagStripeMgr::ClearDevices() {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     while (!readers_.empty()) {
         const auto first = readers_.begin();
         first->second->Uninitialize();
@@ -82,7 +82,7 @@ void CQlMagStripeMgr::ClearDevices() {
 }
 
 bool CQlMagStripeMgr::ScanDevices() {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     const bool scanned = Succeeds([&] { return Rescan(); });
     if (!scanned) {
         ClearDevices();
@@ -154,12 +154,12 @@ std::int32_t CQlMagStripeMgr::Adopt(const std::shared_ptr<IMSRDev>& fresh) {
 }
 
 std::uint64_t CQlMagStripeMgr::GetDeviceCount() {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     return readers_.size();
 }
 
 bool CQlMagStripeMgr::GetDevices(std::vector<MagStripeReaderInfo>& readers) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     readers.clear();
     for (const auto& [index, reader] : readers_) {
         MagStripeReaderInfo info{};
@@ -173,7 +173,7 @@ bool CQlMagStripeMgr::GetDevices(std::vector<MagStripeReaderInfo>& readers) {
 }
 
 bool CQlMagStripeMgr::EnableDevice(std::int32_t index, bool enable) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     // An index equal to the count is looked up: after an unplugged reader has left a gap it may well be known. A larger
     // one is refused even when it is.
     if (index < 0 || static_cast<std::uint64_t>(index) > readers_.size()) {
@@ -191,7 +191,7 @@ bool CQlMagStripeMgr::EnableDevice(std::int32_t index, bool enable) {
 }
 
 bool CQlMagStripeMgr::IsDeviceEnabled(std::int32_t index, bool& enabled) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     IMSRDev* const reader = Find(index);
     if (reader == nullptr) {
         return false;
@@ -201,7 +201,7 @@ bool CQlMagStripeMgr::IsDeviceEnabled(std::int32_t index, bool& enabled) {
 }
 
 bool CQlMagStripeMgr::AddCallback(QLMSR_Callback callback, std::uint32_t& id) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     return Succeeds([&] {
         id = callbacks_.Add(callback);
         return id != 0;
@@ -209,42 +209,49 @@ bool CQlMagStripeMgr::AddCallback(QLMSR_Callback callback, std::uint32_t& id) {
 }
 
 bool CQlMagStripeMgr::RemoveCallback(std::int32_t id) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     return callbacks_.Remove(static_cast<std::uint32_t>(id));
 }
 
 bool CQlMagStripeMgr::ClearCallbacks() {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     callbacks_.Clear();
     return true;
 }
 
 bool CQlMagStripeMgr::GetMagTekExtras(const MagStripeData* record, MagTekExtras* extras) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     return ReadMagTekExtras(*record, *extras);
 }
 
 bool CQlMagStripeMgr::SetDevicesEnabled(const std::vector<std::int32_t>& indexes, bool enable) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     return std::ranges::all_of(indexes, [&](std::int32_t index) {
         IMSRDev* const reader = Find(index);
         return reader == nullptr || reader->Enable(enable);
     });
 }
 
+void CQlMagStripeMgr::Destroy() {
+    // The swipe that is being delivered, if there is one, ends with the callback that gives the manager up.
+    ClearCallbacks();
+    self_.reset();
+}
+
 void CQlMagStripeMgr::DispatchSwipe(const MagStripeData* record) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     callbacks_.Invoke(*record);
 }
 
 void CQlMagStripeMgr::OnCardSwiped(const MagStripeData* record) {
-    const ManagerLockHolder held(lock_);
+    const CSmartCriticalWrapper held(lock_);
     DispatchSwipe(record);
 }
 
 void CQlMagStripeMgr::AroundSwipe(const std::atomic<bool>& stopping, const std::function<void()>& deliver) {
-    if (lock_.EnterUnless(stopping)) {
-        const ManagerLockHolder held(lock_, std::adopt_lock);
+    if (callersLock_.EnterUnless(stopping)) {
+        const CardReaderLockHolder callersHeld(callersLock_, std::adopt_lock);
+        const CSmartCriticalWrapper held(lock_);
         deliver();
     }
 }

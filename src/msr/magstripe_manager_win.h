@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/smart_critical_win.h"
 #include "msr/callback_list.h"
+#include "msr/card_reader_lock_win.h"
 #include "msr/magstripe_manager.h"
-#include "msr/manager_lock_win.h"
 #include "msr/msr_dev.h"
 
 #include <map>
@@ -13,9 +14,9 @@ namespace quarlin::msr {
 
 class CQlMagStripeMgr final : public IQlMagStripeMgr, public IMSRDevListener {
   public:
-    static std::shared_ptr<CQlMagStripeMgr> Create();
+    static std::shared_ptr<CQlMagStripeMgr> Create(CardReaderLock& callersLock);
 
-    CQlMagStripeMgr() = default;
+    explicit CQlMagStripeMgr(CardReaderLock& callersLock) : callersLock_(callersLock) {}
     CQlMagStripeMgr(const CQlMagStripeMgr&) = delete;
     CQlMagStripeMgr& operator=(const CQlMagStripeMgr&) = delete;
     ~CQlMagStripeMgr() override;
@@ -32,7 +33,7 @@ class CQlMagStripeMgr final : public IQlMagStripeMgr, public IMSRDevListener {
     bool RemoveCallback(std::int32_t id) override;
     bool ClearCallbacks() override;
     bool GetMagTekExtras(const MagStripeData* record, MagTekExtras* extras) override;
-    void Destroy() override { self_.reset(); }
+    void Destroy() override;
     bool SetDevicesEnabled(const std::vector<std::int32_t>& indexes, bool enable) override;
     void DispatchSwipe(const MagStripeData* record) override;
 
@@ -41,7 +42,7 @@ class CQlMagStripeMgr final : public IQlMagStripeMgr, public IMSRDevListener {
 
     void OnCardSwiped(const MagStripeData* record) override;
     void AroundSwipe(const std::atomic<bool>& stopping, const std::function<void()>& deliver) override;
-    void EndWaits() override { lock_.EndWaits(); }
+    void EndWaits() override { callersLock_.EndWaits(); }
 
     bool Rescan();
     std::vector<std::int32_t> EnabledIndexes() const;
@@ -49,9 +50,10 @@ class CQlMagStripeMgr final : public IQlMagStripeMgr, public IMSRDevListener {
     std::int32_t Adopt(const std::shared_ptr<IMSRDev>& fresh);
     IMSRDev* Find(std::int32_t index) const;
 
+    CardReaderLock& callersLock_;
     ReaderMap readers_;
     CallbackList callbacks_;
-    ManagerLock lock_;
+    CSmartCritical lock_;
     std::shared_ptr<CQlMagStripeMgr> self_;
 };
 

@@ -21,8 +21,8 @@ class IMSRDevListener : public std::enable_shared_from_this<IMSRDevListener> {
     // The record lives until the call returns. Called on the reader's thread.
     virtual void OnCardSwiped(const MagStripeData* record) = 0;
 
-    // Calls `deliver` with the listener's lock held, which comes before the reader's. Waits for that lock as long as
-    // nobody sets `stopping`; then returns without having called.
+    // Calls `deliver` with every lock held that comes before the reader's. Waits for them as long as nobody sets
+    // `stopping`; then returns without having called.
     virtual void AroundSwipe(const std::atomic<bool>& stopping, const std::function<void()>& deliver) = 0;
     // To be called after `stopping` has been set: ends the wait of AroundSwipe.
     virtual void EndWaits() = 0;

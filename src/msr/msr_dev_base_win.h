@@ -9,8 +9,8 @@
 
 namespace quarlin::msr {
 
-// What readers of every make share: the listener, the enabled flag and the lock. Locks are taken in the order manager,
-// reader, HID device, on every path.
+// What readers of every make share: the listener, the enabled flag and the lock. Locks are taken in the order family,
+// manager, reader, HID device, on every path.
 class CMSRDev : public IMSRDev {
   public:
     bool Initialize() override { return lock_.IsInitialized(); }

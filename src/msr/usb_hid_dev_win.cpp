@@ -208,12 +208,14 @@ void CUsbHidDev::Deliver(const std::vector<std::uint8_t>& report) {
     if (listener == nullptr) {
         return;
     }
-    listener->AroundInputReport([&] {
+    // By reference, which needs no memory.
+    auto deliver = [&] {
         const CSmartCriticalWrapper held(lock_);
         if (listener_ == listener) {
             listener->OnInputReport(report);
         }
-    });
+    };
+    listener->AroundInputReport(std::ref(deliver));
 }
 
 bool CUsbHidDev::CancelRead() {

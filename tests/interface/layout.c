@@ -25,6 +25,76 @@ SAME(offsetof(GpsGlonassSatellite, Azimuth), 8);
 SAME(offsetof(GpsGlonassSatellite, SNR), 12);
 SAME(offsetof(GpsGlonassSatellite, used), 16);
 
+SAME(sizeof(DeviceStatusEntry), 16);
+SAME(offsetof(DeviceStatusEntry, size), 0);
+SAME(offsetof(DeviceStatusEntry, device), 4);
+SAME(offsetof(DeviceStatusEntry, powerState), 8);
+SAME(offsetof(DeviceStatusEntry, biosState), 12);
+
+SAME(sizeof(BatteryInfo), 96);
+SAME(offsetof(BatteryInfo, BatteryName), 0);
+SAME(sizeof(((BatteryInfo*)0)->BatteryName), 24);
+SAME(offsetof(BatteryInfo, Chemistry), 24);
+SAME(offsetof(BatteryInfo, PowerState), 28);
+SAME(offsetof(BatteryInfo, RemainingCapacity), 32);
+SAME(offsetof(BatteryInfo, FullChargedCapacity), 36);
+SAME(offsetof(BatteryInfo, DesignedCapacity), 40);
+SAME(offsetof(BatteryInfo, Voltage), 44);
+SAME(offsetof(BatteryInfo, Rate), 48);
+SAME(offsetof(BatteryInfo, TotalChargeIndex), 52);
+SAME(offsetof(BatteryInfo, Temperature), 56);
+SAME(offsetof(BatteryInfo, BatteryHealth), 60);
+SAME(offsetof(BatteryInfo, BatteryID), 64);
+SAME(offsetof(BatteryInfo, LastRecalibrationDate), 88);
+SAME(offsetof(BatteryInfo, EnvironmentStatus), 92);
+
+SAME(sizeof(MagStripeVendor), 4);
+SAME(MAG_STRIPE_VENDOR_MAGTEK, 0);
+
+SAME(sizeof(MagStripeReaderInfo), 912);
+SAME(offsetof(MagStripeReaderInfo, index), 0);
+SAME(offsetof(MagStripeReaderInfo, name), 4);
+SAME(offsetof(MagStripeReaderInfo, serialNumber), 304);
+SAME(offsetof(MagStripeReaderInfo, softwareId), 604);
+SAME(offsetof(MagStripeReaderInfo, encryptionEnabled), 904);
+SAME(offsetof(MagStripeReaderInfo, vendor), 908);
+
+SAME(sizeof(MagStripeTrackData), 16);
+SAME(offsetof(MagStripeTrackData, bufferSize), 0);
+SAME(offsetof(MagStripeTrackData, length), 4);
+SAME(offsetof(MagStripeTrackData, data), 8);
+
+SAME(sizeof(MagStripeData), 56);
+SAME(offsetof(MagStripeData, trackCount), 0);
+SAME(offsetof(MagStripeData, tracks), 8);
+SAME(offsetof(MagStripeData, maskedTrackCount), 16);
+SAME(offsetof(MagStripeData, maskedTracks), 24);
+SAME(offsetof(MagStripeData, rawLength), 32);
+SAME(offsetof(MagStripeData, raw), 40);
+SAME(offsetof(MagStripeData, isEncrypted), 48);
+SAME(offsetof(MagStripeData, isValid), 49);
+
+SAME(sizeof(MagTekExtras), 887);
+SAME(offsetof(MagTekExtras, decodeStatus), 0);
+SAME(offsetof(MagTekExtras, length), 3);
+SAME(offsetof(MagTekExtras, cardEncodeType), 6);
+SAME(offsetof(MagTekExtras, data), 7);
+SAME(offsetof(MagTekExtras, reserved1), 343);
+SAME(offsetof(MagTekExtras, magnePrintStatus), 344);
+SAME(offsetof(MagTekExtras, magnePrintLength), 348);
+SAME(offsetof(MagTekExtras, magnePrint), 349);
+SAME(offsetof(MagTekExtras, deviceSerialNumber), 477);
+SAME(offsetof(MagTekExtras, encryptionStatus), 493);
+SAME(offsetof(MagTekExtras, keySerialNumber), 495);
+SAME(offsetof(MagTekExtras, maskedLength), 505);
+SAME(offsetof(MagTekExtras, maskedData), 508);
+SAME(offsetof(MagTekExtras, encryptedSessionId), 844);
+SAME(offsetof(MagTekExtras, absoluteLength), 852);
+SAME(offsetof(MagTekExtras, encryptionCounter), 856);
+SAME(offsetof(MagTekExtras, reserved2), 859);
+SAME(offsetof(MagTekExtras, reserved3), 867);
+SAME(offsetof(MagTekExtras, reserved4), 883);
+
 #ifdef __cplusplus
 SAME(QLerr(-1) < QLERR_OK, true);
 #endif

@@ -21,6 +21,7 @@ struct Calls {
     int initializedEx;
     int initialized;
     int entered;
+    int triedToEnter;
     int left;
     int deleted;
     bool refuse;
@@ -48,6 +49,10 @@ void WINAPI WatchEnter(LPCRITICAL_SECTION section) {
     ++calls.entered;
     Real<decltype(EnterCriticalSection)>("EnterCriticalSection")(section);
 }
+BOOL WINAPI WatchTryEnter(LPCRITICAL_SECTION section) {
+    ++calls.triedToEnter;
+    return Real<decltype(TryEnterCriticalSection)>("TryEnterCriticalSection")(section);
+}
 void WINAPI WatchLeave(LPCRITICAL_SECTION section) {
     ++calls.left;
     Real<decltype(LeaveCriticalSection)>("LeaveCriticalSection")(section);
@@ -66,6 +71,7 @@ class SmartCritical : public ::testing::Test {
     test::ImportHook initializeEx_{"KERNEL32.dll", "InitializeCriticalSectionEx", &WatchInitializeEx, self_};
     test::ImportHook initialize_{"KERNEL32.dll", "InitializeCriticalSection", &WatchInitialize, self_};
     test::ImportHook enter_{"KERNEL32.dll", "EnterCriticalSection", &WatchEnter, self_};
+    test::ImportHook tryEnter_{"KERNEL32.dll", "TryEnterCriticalSection", &WatchTryEnter, self_};
     test::ImportHook leave_{"KERNEL32.dll", "LeaveCriticalSection", &WatchLeave, self_};
     test::ImportHook delete_{"KERNEL32.dll", "DeleteCriticalSection", &WatchDelete, self_};
 };
@@ -109,8 +115,16 @@ TEST_F(SmartCritical, ThatWasRefusedIsNeitherEnteredNorDeleted) {
                 EXPECT_EQ(lock.LockCount(), 0);
             }
             EXPECT_EQ(lock.LockCount(), 0);
+            lock.Enter();
+            EXPECT_TRUE(lock.TryEnter());
+            EXPECT_EQ(lock.LockCount(), 0);
+            { const CSmartCriticalRelease released(lock); }
+            lock.Leave();
+            lock.Leave();
+            EXPECT_EQ(lock.LockCount(), 0);
         }
         EXPECT_EQ(calls.entered, 0);
+        EXPECT_EQ(calls.triedToEnter, 0);
         EXPECT_EQ(calls.left, 0);
         EXPECT_EQ(calls.deleted, 0);
     }
@@ -130,6 +144,137 @@ TEST_F(SmartCritical, CountsItsWrappers) {
     EXPECT_EQ(lock.LockCount(), 0);
     EXPECT_EQ(calls.entered, 2);
     EXPECT_EQ(calls.left, 2);
+}
+
+TEST_F(SmartCritical, CountsEnterAndLeaveAsItsWrappers) {
+    CSmartCritical lock;
+    lock.Enter();
+    EXPECT_EQ(lock.LockCount(), 1);
+    {
+        const CSmartCriticalWrapper inner(lock);
+        EXPECT_EQ(lock.LockCount(), 2);
+    }
+    ASSERT_TRUE(lock.TryEnter());
+    EXPECT_EQ(lock.LockCount(), 2);
+    EXPECT_EQ(calls.entered, 2);
+    EXPECT_EQ(calls.triedToEnter, 1);
+    lock.Leave();
+    EXPECT_EQ(lock.LockCount(), 1);
+    lock.Leave();
+    EXPECT_EQ(lock.LockCount(), 0);
+    EXPECT_EQ(calls.left, 3);
+}
+
+// Whether another thread could enter now.
+bool IsFree(CSmartCritical& lock) {
+    bool entered = false;
+    std::thread([&] {
+        entered = lock.TryEnter();
+        if (entered) {
+            lock.Leave();
+        }
+    }).join();
+    return entered;
+}
+
+TEST(SmartCriticalTryEnter, SucceedsWhenFreeAndForItsHolder) {
+    CSmartCritical lock;
+    EXPECT_TRUE(IsFree(lock));
+    ASSERT_TRUE(lock.TryEnter());
+    EXPECT_FALSE(IsFree(lock));
+    ASSERT_TRUE(lock.TryEnter());
+    lock.Leave();
+    EXPECT_FALSE(IsFree(lock));
+    lock.Leave();
+    EXPECT_TRUE(IsFree(lock));
+}
+
+TEST(SmartCriticalTryEnter, OfAnotherThreadLeavesTheCountAlone) {
+    CSmartCritical lock;
+    lock.Enter();
+    lock.Enter();
+    EXPECT_FALSE(IsFree(lock));
+    EXPECT_EQ(lock.LockCount(), 2);
+    lock.Leave();
+    EXPECT_FALSE(IsFree(lock));
+    EXPECT_EQ(lock.LockCount(), 1);
+    lock.Leave();
+}
+
+TEST(SmartCriticalReleaseTest, LetsGoOfEveryLevelAndTakesAsManyAgain) {
+    for (const int levels : {1, 2, 5}) {
+        CSmartCritical lock;
+        for (int level = 0; level < levels; ++level) {
+            lock.Enter();
+        }
+        EXPECT_FALSE(IsFree(lock));
+        {
+            const CSmartCriticalRelease released(lock);
+            EXPECT_EQ(lock.LockCount(), 0);
+            EXPECT_TRUE(IsFree(lock));
+        }
+        EXPECT_EQ(lock.LockCount(), levels);
+        for (int level = 0; level < levels; ++level) {
+            EXPECT_FALSE(IsFree(lock));
+            lock.Leave();
+        }
+        EXPECT_TRUE(IsFree(lock));
+    }
+}
+
+TEST(SmartCriticalReleaseTest, OfALockThatIsNotHeldDoesNothing) {
+    CSmartCritical lock;
+    {
+        const CSmartCriticalRelease released(lock);
+        EXPECT_TRUE(IsFree(lock));
+    }
+    EXPECT_EQ(lock.LockCount(), 0);
+    EXPECT_TRUE(IsFree(lock));
+}
+
+// A level that is taken and left while the others are let go changes none of them.
+TEST(SmartCriticalReleaseTest, MayBeFollowedByLevelsOfItsOwn) {
+    CSmartCritical lock;
+    const CSmartCriticalWrapper outer(lock);
+    const CSmartCriticalWrapper inner(lock);
+    {
+        const CSmartCriticalRelease released(lock);
+        {
+            const CSmartCriticalWrapper held(lock);
+            EXPECT_EQ(lock.LockCount(), 1);
+            {
+                const CSmartCriticalRelease again(lock);
+                EXPECT_TRUE(IsFree(lock));
+            }
+            EXPECT_EQ(lock.LockCount(), 1);
+            EXPECT_FALSE(IsFree(lock));
+        }
+        EXPECT_TRUE(IsFree(lock));
+    }
+    EXPECT_EQ(lock.LockCount(), 2);
+    EXPECT_FALSE(IsFree(lock));
+}
+
+// Whoever waits for another thread under its own lock: the other gets in, and the lock comes back.
+TEST(SmartCriticalReleaseTest, LetsTheThreadThroughThatIsWaitedFor) {
+    CSmartCritical lock;
+    int done = 0;
+    for (int round = 0; round < 500; ++round) {
+        const CSmartCriticalWrapper outer(lock);
+        const CSmartCriticalWrapper inner(lock);
+        std::thread other([&] {
+            const CSmartCriticalWrapper held(lock);
+            EXPECT_EQ(lock.LockCount(), 1);
+            ++done;
+        });
+        EXPECT_EQ(done, round);
+        {
+            const CSmartCriticalRelease released(lock);
+            other.join();
+        }
+        EXPECT_EQ(lock.LockCount(), 2);
+        EXPECT_EQ(done, round + 1);
+    }
 }
 
 TEST(SmartCriticalThreads, OneAtATime) {

@@ -11,7 +11,7 @@ namespace quarlin::msr {
 
 // The manager's lock: recursive, and a thread that waits for it may be called back before it gets it. That is what
 // keeps a swipe on its way to the manager and a call that stops the swipe's reader from waiting for each other.
-class ManagerLock {
+class CardReaderLock {
   public:
     bool IsInitialized() const { return lock_.IsInitialized(); }
 
@@ -34,17 +34,17 @@ class ManagerLock {
 };
 
 // Holds it while it lives.
-class ManagerLockHolder {
+class CardReaderLockHolder {
   public:
-    explicit ManagerLockHolder(ManagerLock& lock) : lock_(&lock) { lock_->Enter(); }
+    explicit CardReaderLockHolder(CardReaderLock& lock) : lock_(&lock) { lock_->Enter(); }
     // The thread has entered it already.
-    ManagerLockHolder(ManagerLock& lock, std::adopt_lock_t) : lock_(&lock) {}
-    ManagerLockHolder(const ManagerLockHolder&) = delete;
-    ManagerLockHolder& operator=(const ManagerLockHolder&) = delete;
-    ~ManagerLockHolder() { lock_->Leave(); }
+    CardReaderLockHolder(CardReaderLock& lock, std::adopt_lock_t) : lock_(&lock) {}
+    CardReaderLockHolder(const CardReaderLockHolder&) = delete;
+    CardReaderLockHolder& operator=(const CardReaderLockHolder&) = delete;
+    ~CardReaderLockHolder() { lock_->Leave(); }
 
   private:
-    ManagerLock* lock_;
+    CardReaderLock* lock_;
 };
 
 }  // namespace quarlin::msr

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "msr/manager_lock_win.h"
+#include "msr/card_reader_lock_win.h"
 
 namespace quarlin::msr {
 
-bool ManagerLock::EnterUnless(const std::atomic<bool>& stopping) {
+bool CardReaderLock::EnterUnless(const std::atomic<bool>& stopping) {
     if (stopping) {
         return false;
     }
@@ -25,18 +25,18 @@ bool ManagerLock::EnterUnless(const std::atomic<bool>& stopping) {
     return entered;
 }
 
-void ManagerLock::Leave() {
+void CardReaderLock::Leave() {
     lock_.Leave();
     if (waiters_ > 0) {
         Notify();
     }
 }
 
-void ManagerLock::EndWaits() {
+void CardReaderLock::EndWaits() {
     Notify();
 }
 
-void ManagerLock::Notify() {
+void CardReaderLock::Notify() {
     AcquireSRWLockExclusive(&noticeLock_);
     ++notices_;
     ReleaseSRWLockExclusive(&noticeLock_);
