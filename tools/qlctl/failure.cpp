@@ -20,6 +20,7 @@ constexpr std::array kExitStatuses{
     ExitStatusRow{ExitStatus::kRfidReader, "the UHF RFID reader refused or failed"},
     ExitStatusRow{ExitStatus::kInterrupted, "stopped by Ctrl-C before there was anything to show"},
     ExitStatusRow{ExitStatus::kOutput, "the output could not be written"},
+    ExitStatusRow{ExitStatus::kNoDevice, "no such reader is plugged in"},
 };
 
 struct CodeRow {
@@ -114,6 +115,8 @@ ExitStatus StatusOf(QLerr code) {
             return ExitStatus::kDevice;
         case QLERR_OP_UNSUPPORTED:
             return ExitStatus::kUnsupported;
+        case QLERR_UHFRFID_DEVICENOTFOUND:
+            return ExitStatus::kNoDevice;
         default:
             return code >= kFirstRfidCode ? ExitStatus::kRfidReader : ExitStatus::kSystem;
     }

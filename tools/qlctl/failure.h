@@ -23,6 +23,7 @@ enum class ExitStatus {
     kRfidReader = 8,
     kInterrupted = 9,
     kOutput = 10,
+    kNoDevice = 11,
 };
 
 struct ExitStatusRow {
@@ -61,6 +62,12 @@ class Failure : public std::runtime_error {
   private:
     ExitStatus status_;
     std::optional<LibraryError> cause_;
+};
+
+// A call of the library is still at work and cannot be ended: neither may the process clean up behind its back.
+class AbandonedCall : public Failure {
+  public:
+    using Failure::Failure;
 };
 
 }  // namespace quarlin::qlctl

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
+#include "console/process_end.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -18,19 +19,29 @@ std::string ExitStatusHelp() {
            "\nExamples:\n"
            "  qlctl info\n"
            "  qlctl gps status --port 3\n"
+           "  qlctl card watch --count 1\n"
            "  qlctl gps watch --help";
 }
 
-ExitStatus Run(const Chosen& chosen) {
+// How a command ended, and whether the process can end in the usual way.
+struct Ending {
+    ExitStatus status = ExitStatus::kDone;
+    bool isCallAtWork = false;
+};
+
+Ending Run(const Chosen& chosen) {
     Output output;
     try {
-        return chosen.run(output);
+        return {chosen.run(output)};
+    } catch (const AbandonedCall& failure) {
+        std::cerr << "qlctl: " << failure.what() << '\n';
+        return {failure.Status(), true};
     } catch (const Failure& failure) {
         std::cerr << "qlctl: " << failure.what() << '\n';
-        return failure.Status();
+        return {failure.Status()};
     } catch (const std::exception& error) {
         std::cerr << "qlctl: error: " << error.what() << '\n';
-        return ExitStatus::kSystem;
+        return {ExitStatus::kSystem};
     }
 }
 
@@ -48,11 +59,19 @@ int main(int argc, char** argv) {
     Chosen chosen;
     AddInfoCommand(program, chosen);
     AddGpsCommands(program, chosen);
+    AddDeviceCommands(program, chosen);
+    AddLightCommands(program, chosen);
+    AddCardCommands(program, chosen);
+    AddRfidCommands(program, chosen);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         // Help and the version come this way too, with 0.
         return static_cast<int>(program.exit(error) == 0 ? ExitStatus::kDone : ExitStatus::kUsage);
     }
-    return static_cast<int>(Run(chosen));
+    const Ending ending = Run(chosen);
+    if (ending.isCallAtWork) {
+        EndProcessAtOnce(static_cast<int>(ending.status));
+    }
+    return static_cast<int>(ending.status);
 }

@@ -21,5 +21,9 @@ struct Chosen {
 // One function and one file per family. A new family is one more of each, and one line in main.
 void AddInfoCommand(CLI::App& program, Chosen& chosen);
 void AddGpsCommands(CLI::App& program, Chosen& chosen);
+void AddDeviceCommands(CLI::App& program, Chosen& chosen);
+void AddLightCommands(CLI::App& program, Chosen& chosen);
+void AddCardCommands(CLI::App& program, Chosen& chosen);
+void AddRfidCommands(CLI::App& program, Chosen& chosen);
 
 }  // namespace quarlin::qlctl

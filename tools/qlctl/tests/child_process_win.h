@@ -63,6 +63,7 @@ class ChildProcess {
     ~ChildProcess();
 
     PipeReader& Out() { return out_; }
+    PipeReader& Err() { return err_; }
     bool HasEndedWithin(std::chrono::milliseconds time) const;
     ChildResult Finish();
 

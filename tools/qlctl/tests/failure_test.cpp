@@ -81,6 +81,7 @@ INSTANTIATE_TEST_SUITE_P(Codes, StatusOfCode,
                                          StatusCase{QLERR_INTERNAL_ERROR, ExitStatus::kSystem},
                                          StatusCase{QLERR_BUFFER_OVERFLOW, ExitStatus::kSystem},
                                          StatusCase{QLERR_UHFRFID_REQ_NOT_ALLOWED, ExitStatus::kRfidReader},
+                                         StatusCase{QLERR_UHFRFID_DEVICENOTFOUND, ExitStatus::kNoDevice},
                                          StatusCase{QLERR_UHFRFID_UNCLASSIFIED, ExitStatus::kRfidReader}));
 
 TEST(ExitStatuses, AreDistinctAndListedInTheReadme) {
@@ -91,7 +92,7 @@ TEST(ExitStatuses, AreDistinctAndListedInTheReadme) {
         const std::string line = "| " + std::to_string(static_cast<int>(row.status)) + " | " + row.meaning + " |";
         EXPECT_NE(readme.find(line), std::string::npos) << line;
     }
-    EXPECT_EQ(seen.size(), 11U);
+    EXPECT_EQ(seen.size(), 12U);
 }
 
 }  // namespace

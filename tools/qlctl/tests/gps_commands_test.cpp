@@ -1,32 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "nmea_feed_win.h"
+#include "output_text.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
-#include <nlohmann/json.hpp>
-#include <sstream>
 
 namespace quarlin::qlctl {
 namespace {
 
 using Json = nlohmann::json;
-
-std::vector<Json> JsonLines(const std::string& text) {
-    std::vector<Json> objects;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        objects.push_back(Json::parse(line, nullptr, false));
-    }
-    return objects;
-}
-
-size_t CountOf(const std::string& text, const std::string& part) {
-    size_t count = 0;
-    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) {
-        ++count;
-    }
-    return count;
-}
 
 TEST(GpsStatus, ShowsWhatTheReceiverSends) {
     const NmeaFeed feed(SampleBurst());

@@ -27,7 +27,12 @@ INSTANTIATE_TEST_SUITE_P(CommandLines, UsageError,
                          testing::Values("", "gps", "info --port 3", "gps status --port x",
                                          "gps status --port 99999999999", "gps status --count 0",
                                          "gps status --timeout -1", "gps status --interval 0",
-                                         "gps watch --redraw often", "gps status extra"));
+                                         "gps watch --redraw often", "gps status extra", "device", "light timer",
+                                         "light timer 0", "card watch --count 0", "card list --show-pan",
+                                         "rfid read --bank bank", "rfid read", "rfid write --bank user --data CAF",
+                                         "rfid write --bank user --data CAFE01", "rfid kill --yes",
+                                         "rfid kill --password 12345678", "rfid lock 1 --yes",
+                                         "rfid kill --password 123456789 --yes", "rfid query --q x"));
 
 class Help : public testing::TestWithParam<const char*> {};
 
@@ -45,7 +50,11 @@ TEST_P(Help, HasExamplesAndTheExitStatuses) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, Help,
-                         testing::Values("", "info", "gps", "gps status", "gps satellites", "gps watch"));
+                         testing::Values("", "info", "gps", "gps status", "gps satellites", "gps watch", "device",
+                                         "device list", "device battery", "light", "light on", "light off",
+                                         "light timer", "light status", "card", "card list", "card watch", "rfid",
+                                         "rfid inventory", "rfid read", "rfid write", "rfid lock", "rfid kill",
+                                         "rfid power", "rfid query"));
 
 TEST(Version, IsPrinted) {
     const ChildResult result = Qlctl("--version");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "view/info_report.h"
 
+#include "view/error_json.h"
 #include "view/json_line.h"
 #include "view/text.h"
 
@@ -39,11 +40,7 @@ std::string InfoJson(const InfoReport& report) {
     for (const InfoPart& part : report.parts) {
         object[part.field] = part.answer.text ? Json(*part.answer.text) : Json(nullptr);
         if (const auto& error = part.answer.error) {
-            errors[part.field] = {
-                {"code", static_cast<int32_t>(error->code)},
-                {"name", CodeName(error->code)},
-                {"message", error->message},
-            };
+            errors[part.field] = ErrorJson(*error);
         }
     }
     Json families = Json::object();

@@ -29,6 +29,14 @@ std::string PadRight(std::string_view text, size_t width) {
     return padded;
 }
 
+std::string Printable(std::string_view bytes) {
+    std::string text(bytes);
+    for (char& c : text) {
+        c = c >= ' ' && c <= '~' ? c : '.';
+    }
+    return text;
+}
+
 std::string Row(std::string_view label, std::string_view value) {
     return PadRight(label, kLabelWidth).append(value) + '\n';
 }

@@ -13,6 +13,9 @@ std::string Fixed(double value, int decimals);
 std::string PadLeft(std::string_view text, size_t width);
 std::string PadRight(std::string_view text, size_t width);
 
+// Text of a device for people: characters that a terminal would obey, and bytes that are not ASCII, become '.'.
+std::string Printable(std::string_view bytes);
+
 // One "Label        value" line of a report.
 std::string Row(std::string_view label, std::string_view value);
 
