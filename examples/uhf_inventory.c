@@ -61,6 +61,10 @@ static QLerr ListTags(void* reader, Tag* tags, int* count) {
         if (code != QLERR_OK) {
             return code;
         }
+        if (tag->length == kMaxIdentifier) {
+            /* Untouched: an identifier of no bytes. A reply has no room for one this long. */
+            tag->length = 0;
+        }
         ++*count;
     }
     return QLERR_OK;

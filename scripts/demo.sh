@@ -1,88 +1,167 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: Apache-2.0
-# ./dev demo: the simulated machine drives a patrol, qlctl watches its GPS receiver through the DLL.
+# ./dev demo: a scripted minute on the simulated machine. What is shown is in demo_acts.sh, how it is shown in here.
 
-readonly demo_scenario=sim/scenarios/patrol.toml
-readonly demo_port=7
-readonly demo_seconds=20
+readonly demo_scenario=sim/scenarios/demo.toml
+readonly demo_pipe=quarlin-demo
+# What was shown and what the summary is made of.
+readonly demo_record=build/log/demo
+demo_nothing=
 demo_simulator=
+demo_act=
+demo_act_number=0
+demo_act_count=
+demo_shown_at=$EPOCHREALTIME
 
 on_machine() {
     sim/machine/run "$@" </dev/null 9>&-
 }
 
-ask_simulator() {
-    on_machine build/windows/sim/qlsim-ctl.exe --pipe quarlin-demo "$@"
+qlctl() {
+    on_machine build/windows/bin/qlctl.exe "$@"
+}
+
+qlsim-ctl() {
+    on_machine build/windows/sim/qlsim-ctl.exe --pipe "$demo_pipe" "$@"
+}
+
+# A read that never gets anything leaves no process of its own behind.
+let_time_pass() {
+    read -r -t "$1" -u "$demo_nothing" || true
+}
+
+# await WHAT COMMAND...: returns when the command succeeds, and gives up after a while.
+await() {
+    local what=$1 give_up=$((SECONDS + 30))
+    shift
+    until "$@"; do
+        ((SECONDS < give_up)) || die "gave up waiting for $what"
+        let_time_pass 0.05
+    done
 }
 
 # A session of its own: Ctrl-C is for the one who watches.
 launch_simulator() {
-    setsid sim/machine/run build/windows/sim/qlsim.exe "$demo_scenario" --pipe quarlin-demo \
-        </dev/null >build/log/demo-qlsim.log 2>&1 9>&- &
+    setsid sim/machine/run build/windows/sim/qlsim.exe "$demo_scenario" --pipe "$demo_pipe" \
+        </dev/null >"$demo_record/qlsim.log" 2>&1 9>&- &
     demo_simulator=$!
     at_exit end_simulator
 }
 
-# It says so once its receiver sends and its commands are heard.
+simulator_plays() {
+    grep -q 'commands on' "$demo_record/qlsim.log" || ! kill -0 "$demo_simulator" 2>/dev/null
+}
+
+# It says so once its devices are plugged in and its commands are heard.
 wait_for_simulator() {
-    local nothing
-    exec {nothing}<> <(:)
-    for ((i = 0; i < 600; i++)); do
-        if grep -q 'commands on' build/log/demo-qlsim.log; then
-            return 0
-        elif ! kill -0 "$demo_simulator" 2>/dev/null; then
-            break
-        fi
-        read -r -t 0.05 -u "$nothing" || true
-    done
-    cat build/log/demo-qlsim.log
-    return 1
+    await "the simulated devices" simulator_plays
+    if ! grep -q 'commands on' "$demo_record/qlsim.log"; then
+        cat "$demo_record/qlsim.log"
+        return 1
+    fi
 }
 
 end_simulator() {
     [[ -n $demo_simulator ]] || return 0
-    ask_simulator --wait 1 quit >/dev/null 2>&1 || kill "$demo_simulator" 2>/dev/null
+    qlsim-ctl --wait 1 quit >/dev/null 2>&1 || kill "$demo_simulator" 2>/dev/null
     wait "$demo_simulator" 2>/dev/null
     demo_simulator=
 }
 
-# watch_receiver ARGUMENTS...: what qlctl shows goes to the reader and, for the summary, to a file.
-watch_receiver() {
-    local status
-    local -a show=(--redraw never --interval 1)
-    $on_terminal && show=(--redraw always)
-    printf '\n$ qlctl gps watch --port %s %s\n' "$demo_port" "$*"
-    # Ctrl-C ends the watching, not the demo.
-    trap 'printf "\n"' INT
+# act NAME TITLE: what follows is shown under this title and kept under this name.
+act() {
+    demo_act=$demo_record/$1.txt
+    demo_act_number=$((demo_act_number + 1))
+    : >"$demo_act"
+    printf '\n%s== %d of %d: %s ==%s\n' "$bold" "$demo_act_number" "$demo_act_count" "$2" "$plain"
+}
+
+say() {
+    printf '\n%s\n' "$1"
+    demo_shown_at=$EPOCHREALTIME
+}
+
+# pause SECONDS: nothing but the time that a reader needs. It began when the last line was shown.
+pause() {
+    local left
+    left=$(awk -v shown="$demo_shown_at" -v now="$EPOCHREALTIME" -v time="$1" 'BEGIN {
+        left = shown + time - now
+        print (left > 0.001 ? left : 0.001)
+    }')
+    let_time_pass "$left"
+}
+
+announce() {
+    printf '%s$ %s%s\n' "$bold" "$*" "$plain"
+}
+
+# What programs say, without the ends of line of another system.
+hand_on() {
+    tr -d '\r' 9>&- | tee -a "$demo_act" 9>&-
+}
+
+# perform STATUS COMMAND...: shows what the command says; it has to end with this status.
+perform() {
+    local wanted=$1 status
+    shift
     set +e
-    on_machine build/windows/bin/qlctl.exe gps watch --port "$demo_port" "${show[@]}" "$@" |
-        tee --ignore-interrupts build/log/demo-watch.log
+    "$@" 2>&1 | hand_on
     status=${PIPESTATUS[0]}
     set -e
-    trap 'exit 130' INT
-    # 9: stopped before the receiver had sent anything.
-    [[ $status != 9 ]] || exit 130
-    [[ $status == 0 ]] || die "qlctl ended with status $status"
+    demo_shown_at=$EPOCHREALTIME
+    [[ $status == "$wanted" ]] || die "that ended with status $status and not with $wanted: $*"
+}
+
+# show STATUS COMMAND...: the command as a reader would type it, and what it says.
+show() {
+    announce "${@:2}"
+    perform "$@"
+}
+
+# note NAME COMMAND...: the same as JSON, for the summary alone.
+note() {
+    local name=$1
+    shift
+    "$@" >"$demo_record/$name.json" || die "that failed: $*"
+}
+
+introduce() {
+    printf '\n%s\n' "A portable computer with all of its devices, simulated. qlctl is an application on it, which knows the devices
+through qlsdk.dll alone; qlsim-ctl is the hand that swipes a card and pulls a plug. They stand for
+
+  qlctl       sim/machine/run build/windows/bin/qlctl.exe
+  qlsim-ctl   sim/machine/run build/windows/sim/qlsim-ctl.exe --pipe $demo_pipe
+
+and from a second terminal both may be used while the show goes on."
 }
 
 verb_demo() {
-    local -a limit=(--timeout "$demo_seconds")
+    local gps_seconds=20 bold='' plain=''
     case "${1:-}" in
         "") ;;
-        --forever) limit=() ;;
+        --forever) gps_seconds= ;;
         *) usage_error "demo takes --forever or nothing, not '$1'" ;;
     esac
+    if $on_terminal && [[ -z ${NO_COLOR:-} ]]; then
+        bold=$'\e[1m' plain=$'\e[0m'
+    fi
     plan 5
-    build_preset windows qlctl qlsim qlsim_ctl serialui qlsim_wbem
+    build_preset windows qlctl qlsim qlsim_ctl "${machine_libraries[@]}"
     machine_up
+    rm -rf "$demo_record"
+    mkdir -p "$demo_record"
+    exec {demo_nothing}<> <(:)
     launch_simulator
-    step "Starting the simulated receiver" wait_for_simulator
+    step "Starting the simulated devices" wait_for_simulator
 
-    watch_receiver "${limit[@]}"
-    ask_simulator status gps >build/log/demo-simulated.json
+    introduce
+    note simulated-first qlsim-ctl status
+    demo_acts "$gps_seconds"
+    note simulated qlsim-ctl status
 
+    printf '\n'
     end_simulator
     forget_at_exit end_simulator
     machine_down
-    python3 scripts/demo_summary.py "$demo_scenario" build/log/demo-simulated.json build/log/demo-watch.log
+    python3 -B scripts/demo_summary.py "$demo_scenario" "$demo_record"
 }

@@ -20,12 +20,16 @@
  *
  * Threads: any; all functions take turns under one lock, so that they may overlap. Swipes arrive on a thread of each
  * enabled reader. Callbacks never overlap, not even those of two readers. QLMSR_Disable, QLMSR_RemoveCallback,
- * QLMSR_ClearCallbacks and QLMSR_Uninitialize return after a callback in progress has ended; no callback begins
- * afterwards. A swipe that arrives while its reader is being disabled is dropped. While a callback runs, QLMSR_ calls of
- * other threads wait for it: keep it short, and let it wait for no thread that may be in such a call. A callback may
- * itself call the library. Calls that disable its reader, list readers or end the family take effect once it returns: it
- * is not waited for, and a callback that it has removed is not called any more. A thread of a reader keeps the DLL
- * loaded.
+ * QLMSR_ClearCallbacks and QLMSR_Uninitialize return after a callback in progress has ended; afterwards none begins for
+ * a swipe of the reader that was disabled, or of a function that was removed. A swipe that arrives while its reader is
+ * being disabled is dropped. While a callback runs, QLMSR_ calls of other threads wait for it: keep it short, and let
+ * it wait for no thread that may be in such a call.
+ *
+ * A callback may itself call the library; what it calls takes effect at once. Calls that disable its reader, list
+ * readers or end the family do not wait for the callback: the reader's thread ends after it has returned. The swipe
+ * that it was called for still goes to the functions after it, those excepted that have been removed by then.
+ *
+ * A thread of a reader keeps the DLL loaded.
  */
 #ifndef QUARLIN_CARD_READER_H
 #define QUARLIN_CARD_READER_H
@@ -158,9 +162,9 @@ QL_IMPORT QLerr QLMSR_Uninitialize(void);
  * @return QLERR_OK, with a count of 0 when there is no reader; QLERR_INVALID_STATE, "no exist IQlMagStripeMgr
  *         instance.", checked first; QLERR_INVALID_ARGUMENT when a pointer is null ("1st or 2nd parameter is
  *         invalid.(NULL)") or @p readers is too small ("readers buffer is too small."; nothing is written to it);
- *         QLERR_INTERNAL_ERROR when a new reader does not answer ("fail MSR devices scan."; all readers are forgotten
- *         then, callbacks and the selected index stay), the list cannot be made ("fail query devices description.") or
- *         memory is short ("memory allocate error.").
+ *         QLERR_INTERNAL_ERROR when a new reader does not answer or an enabled one cannot be started again ("fail MSR
+ *         devices scan."; all readers are forgotten then, callbacks and the selected index stay), the list cannot be
+ *         made ("fail query devices description.") or memory is short ("memory allocate error.").
  */
 QL_IMPORT QLerr QLMSR_GetMagStripeDevices(MagStripeReaderInfo* readers, int* count);
 
@@ -190,15 +194,16 @@ QL_IMPORT QLerr QLMSR_SelectDevice(int index);
 
 /**
  * Starts delivering the swipes of the selected reader. Succeeds at once when it is enabled already.
- * @return QLERR_OK; QLERR_INVALID_STATE; QLERR_INTERNAL_ERROR, "fail device enabled.": the index is not known, the
- *         reader cannot be opened, or it was unplugged while enabled and has not been disabled since.
+ * @return QLERR_OK; QLERR_INVALID_STATE; QLERR_INTERNAL_ERROR, "fail device enabled.": the index is not known or
+ *         above the number of readers, the reader cannot be opened, or it was unplugged while enabled and has not been
+ *         disabled since.
  */
 QL_IMPORT QLerr QLMSR_Enable(void);
 
 /**
  * Ends it: waits for a callback in progress, closes the reader (0.2 s) and succeeds, also when it was not enabled.
  * @return QLERR_OK; QLERR_INVALID_STATE; QLERR_INTERNAL_ERROR, "fail device enabled." (the words of QLMSR_Enable): the
- *         index is not known.
+ *         index is not known or above the number of readers.
  */
 QL_IMPORT QLerr QLMSR_Disable(void);
 

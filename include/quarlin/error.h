@@ -90,7 +90,7 @@ QL_BEGIN_C
  *                    nothing, and @p buffer may then be null.
  *
  * @return the code of the thread's last failed call; QLERR_OK with an empty text when there is none: the thread's last
- *         call succeeded, or the error was fetched before.
+ *         call succeeded (one of QLUHFRFID_: QLERR_OK with the text "QLERR_OK"), or the error was fetched before.
  *
  * When there is an error, a text that does not fit (30 characters into a @p bufferSize of 10: 9 characters and a
  * terminator are written) is itself a failure, and so is a @p bufferSize of 0 (nothing is written) or below 0 (a

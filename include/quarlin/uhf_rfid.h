@@ -39,8 +39,8 @@
  * threads never mix. There is no time-out: a reader that never answers keeps its caller waiting, and with it every
  * other caller of this family, QLUHFRFID_CloseReader included, until it answers, however late, or is unplugged. An
  * unplugged reader ends the wait with QLERR_UHFRFID_COMMAND_RECEIVE; those that waited for the lock then get
- * QLERR_UHFRFID_COMMAND_SEND, and the one that closes gets QLERR_OK. The reader stays open until QLUHFRFID_CloseReader,
- * also when it is gone: close, then open again. No function calls back.
+ * QLERR_UHFRFID_COMMAND_SEND, the one that closes gets QLERR_OK, and those behind it QLERR_UHFRFID_INVALID_HANDLE. The
+ * reader stays open until QLUHFRFID_CloseReader, also when it is gone: close, then open again. No function calls back.
  */
 #ifndef QUARLIN_UHF_RFID_H
 #define QUARLIN_UHF_RFID_H
@@ -52,8 +52,8 @@ QL_BEGIN_C
 /**
  * Finds the reader among the HID devices that are present and opens it for this process alone.
  *
- * @param handle  receives the handle of the reader; the invalid value ((void*)-1) when the call fails, but when a
- * reader is open already it stays as it is.
+ * @param handle  receives the handle of the reader; the invalid value ((void*)-1) when the call fails. It stays as it
+ *                is when a reader is open already, or when the family's lock cannot be made.
  *
  * @return QLERR_OK; QLERR_UHFRFID_SYSTEM when the family's lock cannot be made, the devices cannot be listed, or memory
  *         is short; QLERR_INVALID_ARGUMENT when @p handle is null; QLERR_UHFRFID_INVALID_HANDLE when a reader is open
@@ -78,7 +78,7 @@ QL_IMPORT QLerr QLUHFRFID_CloseReader(void* handle);
  * @param handle  the reader.
  * @param tagId   receives the identifier as the reader reports it: two bytes of protocol control, then the EPC. Bytes,
  *                without terminator. Untouched when the reader reports an identifier of no bytes.
- * @param length  in: size of @p tagId in bytes, 0 to 255 (62 are always enough). Out: bytes written; untouched when the
+ * @param length  in: size of @p tagId in bytes, 0 to 255 (64 are always enough). Out: bytes written; untouched when the
  *                reader reports an identifier of no bytes, or the call fails.
  * @param signal  receives the strength of the tag's signal, -128 to 127, as the reader measures it.
  *

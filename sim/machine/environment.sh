@@ -15,6 +15,16 @@ export WINEDLLOVERRIDES="serialui=n;mscoree,mshtml=;winemenubuilder.exe=d"
 
 # The stand-ins that are installed into the prefix.
 stand_ins=(serialui.dll qlsim_wbem.dll)
+# Drivers and what belongs to them: installed as well, and the prefix has to start again to take new ones.
+drivers=(qlsim_hidbus.sys qlsim_hid.sys qlsim_hid.inf)
+
+# Where they go, by their extension.
+declare -A installed_in=([dll]=system32 [sys]=system32/drivers [inf]=inf)
+
+# set_installed NAME: sets `installed` to the place of a stand-in or a driver in the prefix.
+set_installed() {
+    installed=$WINEPREFIX/drive_c/windows/${installed_in[${1##*.}]}/$1
+}
 
 # process_runs PID_FILE WORD: whether the process noted in the file is alive and is the one meant.
 process_runs() {
@@ -48,11 +58,12 @@ server_pid() {
     done 2>/dev/null
 }
 
-# stand_ins_are_current BUILD_DIR: false when the build folder holds a newer stand-in than the prefix.
+# stand_ins_are_current BUILD_DIR: false when the build folder holds a newer stand-in or driver than the prefix.
 stand_ins_are_current() {
-    local name
-    for name in "${stand_ins[@]}"; do
-        if [[ $1/sim/$name -nt $WINEPREFIX/drive_c/windows/system32/$name ]]; then
+    local name installed
+    for name in "${stand_ins[@]}" "${drivers[@]}"; do
+        set_installed "$name"
+        if [[ $1/sim/$name -nt $installed ]]; then
             return 1
         fi
     done

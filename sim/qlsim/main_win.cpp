@@ -9,7 +9,9 @@
 #include "edge/arguments_win.h"
 #include "edge/command_pipe_win.h"
 #include "edge/console_stop_win.h"
+#include "edge/machine_record_win.h"
 #include "edge/serial_port_win.h"
+#include "hidbus/hid_socket_win.h"
 
 namespace {
 
@@ -77,6 +79,8 @@ int Play(Arguments& arguments, Scenario scenario) {
         log.AddSink(logFile);
     }
     arguments.options.makePort = MakeSerialPort;
+    arguments.options.makeHidSocket = MakeHidSocket;
+    arguments.options.machineRecords = MachineRecords();
     Simulation simulation(std::move(scenario), arguments.options, log);
     const ConsoleStop consoleStop([&simulation] { simulation.RequestEnd(); });
     try {

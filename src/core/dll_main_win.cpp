@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/library_state.h"
+#include "msr/card_reader_family.h"
 
 #include <windows.h>
 
@@ -16,6 +17,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEn
         case DLL_PROCESS_DETACH:
             quarlin::UnloadLibraryState();
             if (processEnds == nullptr) {
+                // No reader is enabled: its thread would keep the library loaded.
+                quarlin::msr::cardReaderFamily.Uninitialize();
                 __gnu_cxx::__freeres();
             }
             break;

@@ -30,8 +30,8 @@ class CardReaderFamily {
 
   private:
     CardReaderLock lock_;
-    // Owned, and left to the system when the library is unloaded or the process ends with a manager alive: the threads
-    // of its readers have been ended then wherever they were, locks and all.
+    // Owned. When the process ends with a manager alive it is left to the system: the threads of its readers have been
+    // ended then wherever they were, locks and all.
     IQlMagStripeMgr* manager_ = nullptr;
     std::int32_t selectedIndex_ = 0;
 };

@@ -53,10 +53,12 @@ MagStripeReaderInfo* QLMSR_GetMagStripeDevices_DotNET(QLerr* result, int* count)
     auto* const readers = static_cast<MagStripeReaderInfo*>(std::calloc(kCapacity, sizeof(MagStripeReaderInfo)));
     int listedCount = kCapacity;
     QLerr listed = QLERR_OK;
-    if (readers == nullptr) {
+    if (result == nullptr || count == nullptr) {
+        listed = Export([] { RequireBothParameters(false); });
+    } else if (readers == nullptr) {
         listed = Export([] { Fail(QLERR_INTERNAL_ERROR, "memory allocate error."); });
     } else {
-        listed = QLMSR_GetMagStripeDevices(readers, result != nullptr && count != nullptr ? &listedCount : nullptr);
+        listed = QLMSR_GetMagStripeDevices(readers, &listedCount);
     }
     if (result != nullptr) {
         *result = listed;

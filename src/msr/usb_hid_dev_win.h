@@ -42,7 +42,8 @@ class CUsbHidDev {
     virtual bool SetListener(IUsbHidDevListener* listener);
     virtual bool ClearListener();
     virtual bool Open(const std::wstring& path);
-    // Takes 200 ms when the device is open. No read is pending any more when it returns.
+    // Takes 200 ms when the device is open. Waits for a pending read to come back, and gives up its memory when it does
+    // not.
     virtual bool Close();
     virtual bool IsOpen();
     // Appends the path of every HID interface that is present, in lower case.

@@ -5,8 +5,7 @@
 
 namespace quarlin::uhfrfid {
 
-// A reader that was found: its handle, or the invalid value when it cannot be used after all, and the size of its
-// output report in bytes.
+// A reader that was opened: its handle, and the size of its output report in bytes.
 struct FoundReader {
     void* handle;
     std::size_t reportSize;

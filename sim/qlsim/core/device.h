@@ -15,6 +15,8 @@
 #include "core/command.h"
 #include "core/log.h"
 #include "core/pace.h"
+#include "hidbus/hid_device.h"
+#include "machine_libraries/machine_record.h"
 
 namespace quarlin::sim {
 
@@ -60,6 +62,8 @@ struct Surroundings {
     std::filesystem::path scenarioFolder;
     Log* log = nullptr;
     PortMaker makePort;
+    HidSocketMaker makeHidSocket;
+    MachineRecordMakers machineRecords;
     std::function<void()> finished;  // called once when the device reaches the end of the scenario
 };
 

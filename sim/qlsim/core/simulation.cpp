@@ -42,6 +42,8 @@ void Simulation::Start() {
         surroundings.scenarioFolder = scenario_.folder;
         surroundings.log = &log_;
         surroundings.makePort = options_.makePort;
+        surroundings.makeHidSocket = options_.makeHidSocket;
+        surroundings.machineRecords = options_.machineRecords;
         surroundings.finished = [this] {
             const std::lock_guard hold(lock_);
             changed_.notify_all();

@@ -17,6 +17,8 @@ struct SimulationOptions {
     std::optional<std::uint64_t> seed;  // instead of the scenario's
     std::optional<double> duration;     // likewise, seconds
     PortMaker makePort;
+    HidSocketMaker makeHidSocket;
+    MachineRecordMakers machineRecords;
 };
 
 // The devices of one scenario, at work.

@@ -12,10 +12,10 @@
 
 #include "gps/sentences.h"
 #include "gps/serial_pair_win.h"
-#include "gps/thread_count_win.h"
-#include "gps/wait_win.h"
 #include "support/child_process_win.h"
 #include "support/loaded_library_win.h"
+#include "support/thread_count_win.h"
+#include "support/wait_win.h"
 
 namespace quarlin::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "gps/sentences.h"
-#include "gps/wait_win.h"
+#include "support/wait_win.h"
 
 namespace quarlin::test {
 namespace {

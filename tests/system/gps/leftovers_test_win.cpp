@@ -9,10 +9,10 @@
 #include <string>
 
 #include "gps/gps_session_win.h"
-#include "gps/thread_count_win.h"
-#include "gps/wait_win.h"
 #include "support/last_error.h"
 #include "support/resource_count_win.h"
+#include "support/thread_count_win.h"
+#include "support/wait_win.h"
 
 namespace quarlin::test {
 namespace {

@@ -10,7 +10,7 @@
 #include "gps/gps_session_win.h"
 #include "gps/read_watch_win.h"
 #include "gps/sentences.h"
-#include "gps/wait_win.h"
+#include "support/wait_win.h"
 
 namespace quarlin::test {
 namespace {

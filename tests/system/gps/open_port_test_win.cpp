@@ -13,9 +13,9 @@
 #include "gps/gps_session_win.h"
 #include "gps/port_watch_win.h"
 #include "gps/sentences.h"
-#include "gps/wait_win.h"
 #include "support/last_error.h"
 #include "support/resource_count_win.h"
+#include "support/wait_win.h"
 
 namespace quarlin::test {
 namespace {

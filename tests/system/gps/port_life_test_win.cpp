@@ -12,9 +12,9 @@
 #include "gps/gps_session_win.h"
 #include "gps/read_watch_win.h"
 #include "gps/sentences.h"
-#include "gps/wait_win.h"
 #include "support/import_hook_win.h"
 #include "support/last_error.h"
+#include "support/wait_win.h"
 
 namespace quarlin::test {
 namespace {

@@ -13,8 +13,8 @@
 #include "gps/port_watch_win.h"
 #include "gps/read_watch_win.h"
 #include "gps/sentences.h"
-#include "gps/wait_win.h"
 #include "support/last_error.h"
+#include "support/wait_win.h"
 
 namespace quarlin::test {
 namespace {

@@ -4,7 +4,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "gps/wait_win.h"
+#include "support/wait_win.h"
 
 namespace quarlin::test {
 namespace {

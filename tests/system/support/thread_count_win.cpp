@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "gps/thread_count_win.h"
+#include "support/thread_count_win.h"
 
 #include <windows.h>
 

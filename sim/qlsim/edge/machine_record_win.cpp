@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "edge/machine_record_win.h"
+
+#include <windows.h>
+
+#include "core/device.h"
+#include "shared/shared_section_win.h"
+
+namespace quarlin::sim {
+namespace {
+
+template <typename State>
+class SectionRecord final : public MachineRecord<State> {
+  public:
+    SectionRecord() {
+        if (!section_.Open()) {
+            throw DeviceError("the machine library's shared memory cannot be opened, error " +
+                              std::to_string(GetLastError()));
+        }
+    }
+
+    void Use(const std::function<void(State&)>& use) override {
+        const typename SharedState<State>::Access state(section_);
+        if (!state) {
+            throw DeviceError("another program keeps the machine library's shared memory to itself");
+        }
+        use(*state);
+    }
+    std::uint64_t Milliseconds() const override { return GetTickCount64(); }
+
+  private:
+    SharedState<State> section_;
+};
+
+template <typename State>
+std::unique_ptr<MachineRecord<State>> Open() {
+    return std::make_unique<SectionRecord<State>>();
+}
+
+}  // namespace
+
+MachineRecordMakers MachineRecords() {
+    return {Open<ProbeState>, Open<LightState>};
+}
+
+}  // namespace quarlin::sim

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <type_traits>
+
+#include "camera_light/light_state.h"
+#include "probe/probe_state.h"
+
+namespace quarlin::sim {
+
+// The record of a machine library, which the library in every program of the machine reads and writes.
+template <typename State>
+class MachineRecord {
+  public:
+    virtual ~MachineRecord() = default;
+
+    // Runs a function while nobody else on the machine touches the record. Throws DeviceError when it is not to be had.
+    virtual void Use(const std::function<void(State&)>& use) = 0;
+    // The machine's clock, as the libraries read it.
+    virtual std::uint64_t Milliseconds() const = 0;
+};
+
+template <typename State>
+using MachineRecordMaker = std::function<std::unique_ptr<MachineRecord<State>>()>;
+
+struct MachineRecordMakers {
+    MachineRecordMaker<ProbeState> probe;
+    MachineRecordMaker<LightState> light;
+
+    template <typename State>
+    const MachineRecordMaker<State>& Of() const {
+        if constexpr (std::is_same_v<State, ProbeState>) {
+            return probe;
+        } else {
+            return light;
+        }
+    }
+};
+
+}  // namespace quarlin::sim
