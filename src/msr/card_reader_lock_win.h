@@ -9,7 +9,7 @@
 
 namespace quarlin::msr {
 
-// The lock: recursive, and a thread that waits for it may be called back before it gets it. That is what
+// The family's lock: recursive, and a thread that waits for it may be called back before it gets it. That is what
 // keeps a swipe on its way to the manager and a call that stops the swipe's reader from waiting for each other.
 class CardReaderLock {
   public:
