@@ -187,8 +187,9 @@ void CMSRDevMagtekMagneSafeV5::Stop() {
     if (run_->deliveringTo != nullptr) {
         run_->deliveringTo->EndWaits();
     }
-    // A callback that disables its own reader cannot be waited for: its thread ends after it has returned.
-    if (!thread_.IsCurrent()) {
+    // A callback that disables its own reader cannot be waited for: its thread ends after it has returned. A thread
+    // that is over need not be, and while the library is unloaded it cannot end before the unloading has.
+    if (!thread_.IsCurrent() && !run_->over) {
         const CSmartCriticalRelease released(ReaderLock());
         thread_.Wait(kLongestWait);
     }
@@ -214,6 +215,7 @@ void CMSRDevMagtekMagneSafeV5::ReadLoop(Run& run) {
         }
         if (!read) {
             const CSmartCriticalWrapper held(ReaderLock());
+            run.over = true;
             if (run_.get() == &run) {
                 CMSRDev::Enable(false);
             }

@@ -46,6 +46,9 @@ class CMSRDevMagtekMagneSafeV5 final : public CMSRDev,
     // so that a thread that outlives its run cannot take a new one for its own.
     struct Run {
         std::atomic<bool> stopping = false;
+        // The thread has given up by itself and has nothing to do with the reader any more; guarded by the reader's
+        // lock.
+        bool over = false;
         // Whom the thread may be waiting for, guarded by the reader's lock.
         std::shared_ptr<IMSRDevListener> deliveringTo;
     };

@@ -40,7 +40,7 @@ bool ReadingThread::Start(std::function<void()> body) {
     }
     // The thread's own from here on.
     static_cast<void>(task.release());
-    thread_ = reinterpret_cast<HANDLE>(thread);
+    thread_ = reinterpret_cast<HANDLE>(thread);  // NOLINT(performance-no-int-to-ptr): the runtime gives it so
     return true;
 }
 

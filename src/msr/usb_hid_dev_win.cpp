@@ -43,13 +43,13 @@ bool CUsbHidDev::ClearListener() {
 
 bool CUsbHidDev::Open(const std::wstring& path) {
     const CSmartCriticalWrapper held(lock_);
-    HANDLE const port = CreateIoCompletionPort(INVALID_HANDLE_VALUE, nullptr, 0, 0);
+    void* const port = CreateIoCompletionPort(INVALID_HANDLE_VALUE, nullptr, 0, 0);
     if (port == nullptr) {
         return false;
     }
     port_.Reset(port);
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                    nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
+    void* const file = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                   nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
     file_.Reset(file);
     const bool opened = file_.IsValid() && CreateIoCompletionPort(file, port, 0, 0) != nullptr &&
                         GetPreparsedData(preparsedData_.Out()) && GetCaps(&caps_);

@@ -87,26 +87,10 @@ TEST(RfidRead, SendsBanksPointersAndCountsUpTo255) {
     const auto read = [&](unsigned int bank, unsigned int pointer, int words) {
         return QLUHFRFID_ReadTag(reader.session.handle, bank, pointer, none.Data(), none.Length(), data.data(), words);
     };
-    reader.ExpectSent(
-        "37090000"
-        "00000000"
-        "00",
-        read(0, 0, 0));
-    reader.ExpectSent(
-        "37090401"
-        "00000000"
-        "01",
-        read(4, 1, 1));
-    reader.ExpectSent(
-        "3709FFFF"
-        "00000000"
-        "FF",
-        read(255, 255, 255));
-    reader.ExpectSent(
-        "37098080"
-        "00000000"
-        "80",
-        read(128, 128, 128));
+    reader.ExpectSent("370900000000000000", read(0, 0, 0));
+    reader.ExpectSent("370904010000000001", read(4, 1, 1));
+    reader.ExpectSent("3709FFFF00000000FF", read(255, 255, 255));
+    reader.ExpectSent("370980800000000080", read(128, 128, 128));
     // No words came.
     EXPECT_EQ(data, untouched);
 }

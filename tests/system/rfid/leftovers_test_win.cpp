@@ -61,7 +61,7 @@ void ExpectNothingLeft(int rounds, const std::function<void()>& round) {
 TEST(RfidLeftovers, NoneStayAfterRoundsOfOpeningAndClosing) {
     const RfidReaderTurn turn;
     TestReader reader;
-    ExpectNothingLeft(20, [&] {
+    ExpectNothingLeft(10, [&] {
         const OpenedReader opened;
         ASSERT_DONE(QLUHFRFID_SetPower(opened, 5));
         reader->ClearLog();
@@ -73,7 +73,7 @@ TEST(RfidLeftovers, NoneStayAfterOpeningsThatFail) {
     UhfSettings other = TwoTags();
     other.product = 0x3994;
     const TestReader device(other);
-    ExpectNothingLeft(20, [] {
+    ExpectNothingLeft(10, [] {
         void* handle = nullptr;
         ASSERT_FAILURE(QLUHFRFID_OpenReader(&handle), QLERR_UHFRFID_DEVICENOTFOUND, "QLERR_UHFRFID_DEVICENOTFOUND");
     });
@@ -81,7 +81,7 @@ TEST(RfidLeftovers, NoneStayAfterOpeningsThatFail) {
 
 TEST(RfidLeftovers, NoneStayAfterManyExchangesGoodAndBad) {
     RfidSession session;
-    ExpectNothingLeft(5, [&] {
+    ExpectNothingLeft(3, [&] {
         for (const ReaderFunction& function : ReaderFunctions()) {
             for (const std::uint8_t status : Bytes{0x00, 0x84}) {
                 session.reader->AddFault(UhfFault::Status(status));
@@ -97,11 +97,11 @@ TEST(RfidLeftovers, NoneStayAfterManyExchangesGoodAndBad) {
 TEST(RfidLeftovers, NoneStayAfterRoundsOfUnplugging) {
     const RfidReaderTurn turn;
     TestReader reader;
-    ExpectNothingLeft(10, [&] {
+    ExpectNothingLeft(6, [&] {
         const OpenedReader opened;
-        reader->AddFault(UhfFault::UnplugBeforeAnswer());
-        ASSERT_FAILURE(QLUHFRFID_SetPower(opened, 5), QLERR_UHFRFID_COMMAND_RECEIVE, "QLERR_UHFRFID_COMMAND_RECEIVE");
-        reader->Unplug();
+        reader->AddFault(UhfFault::UnplugDuring());
+        ASSERT_FAILURE(QLUHFRFID_SetPower(opened, 5), QLERR_UHFRFID_COMMAND_SEND, "QLERR_UHFRFID_COMMAND_SEND");
+        ASSERT_FAILURE(QLUHFRFID_SetPower(opened, 6), QLERR_UHFRFID_COMMAND_SEND, "QLERR_UHFRFID_COMMAND_SEND");
         reader->Plug();
         reader->ClearLog();
     });

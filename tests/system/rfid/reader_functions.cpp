@@ -111,4 +111,14 @@ const std::vector<ReaderFunction>& ReaderFunctions() {
     return kFunctions;
 }
 
+std::vector<ReaderFunction> OneFunctionPerCommand() {
+    std::vector<ReaderFunction> functions;
+    for (const ReaderFunction& function : ReaderFunctions()) {
+        if (functions.empty() || functions.back().command != function.command) {
+            functions.push_back(function);
+        }
+    }
+    return functions;
+}
+
 }  // namespace quarlin::test

@@ -30,6 +30,8 @@ struct ReaderFunction {
 };
 
 const std::vector<ReaderFunction>& ReaderFunctions();
+// One for each command of the reader, for tests that take their time with each.
+std::vector<ReaderFunction> OneFunctionPerCommand();
 
 inline std::ostream& operator<<(std::ostream& out, const ReaderFunction& function) {
     return out << function.name;

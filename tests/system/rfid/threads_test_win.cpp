@@ -6,11 +6,16 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
+#include "rfid/other_thread_win.h"
 #include "rfid/reader_functions.h"
 #include "rfid/rfid_session_win.h"
 #include "support/lock_watch_win.h"
@@ -24,54 +29,26 @@ const Failure kNotSent{QLERR_UHFRFID_COMMAND_SEND, "QLERR_UHFRFID_COMMAND_SEND"}
 const Failure kNotReceived{QLERR_UHFRFID_COMMAND_RECEIVE, "QLERR_UHFRFID_COMMAND_RECEIVE"};
 const Failure kBadHandle{QLERR_UHFRFID_INVALID_HANDLE, "QLERR_UHFRFID_INVALID_HANDLE"};
 
-// A call on a thread of its own, and the record that it leaves there.
-class OtherThread {
-  public:
-    explicit OtherThread(std::function<QLerr()> call)
-        : thread_([this, call = std::move(call)] {
-              returned_ = call();
-              record_ = FetchLastError();
-              ended_ = true;
-          }) {}
-    ~OtherThread() { Join(); }
-    OtherThread(const OtherThread&) = delete;
-    OtherThread& operator=(const OtherThread&) = delete;
-
-    bool HasEnded() const { return ended_; }
-    // Its code and text.
-    Failure Outcome() {
-        Join();
-        EXPECT_EQ(returned_, record_.code);
-        return record_;
-    }
-
-  private:
-    void Join() {
-        if (thread_.joinable()) {
-            thread_.join();
-        }
-    }
-
-    QLerr returned_ = QLERR_INTERNAL_ERROR;
-    Failure record_;
-    std::atomic<bool> ended_ = false;
-    std::thread thread_;
-};
-
 // One caller waits for a reply that is held back.
 struct BlockedReader {
     BlockedReader() {
         session.reader->AddFault(UhfFault::Hold());
         blocked.emplace([this] { return QLUHFRFID_SetPower(session.handle, 5); });
-        if (!session.reader->WaitForWaiting(1)) {
-            throw std::runtime_error("the command does not come");
-        }
+        replyWatch.AwaitWaits(1);
         session.reader.TakeReports();
     }
-    // Whatever the test has shown, everybody comes to an end.
-    ~BlockedReader() { session.reader->AnswerNow(); }
+    ~BlockedReader() { session.reader->Unplug(); }
 
-    LockWatch watch;
+    // Waits until so many others stand behind the one that is blocked. When they do not come, everybody is let go.
+    void AwaitWaiters(std::size_t count) {
+        if (!LockWatch::AwaitWaiters(static_cast<int>(count))) {
+            session.reader->Unplug();
+            throw std::runtime_error("others do not wait for the one that is blocked");
+        }
+    }
+
+    LockWatch lockWatch;
+    ReplyWatch replyWatch;
     RfidSession session;
     std::optional<OtherThread> blocked;
 };
@@ -87,6 +64,10 @@ struct Waiter {
     Failure afterReply;
     Failure afterUnplug;
 };
+
+std::ostream& operator<<(std::ostream& out, const Waiter& waiter) {
+    return out << waiter.name;
+}
 
 QLerr OpenAnother(OpenedReader&) {
     void* const untouched = reinterpret_cast<void*>(0x5EED);
@@ -123,7 +104,7 @@ TEST_P(RfidBlockedCaller, WhoThenHasItsTurn) {
     const auto& [waiter, release] = GetParam();
     BlockedReader reader;
     OtherThread waiting([&] { return waiter.call(reader.session.handle); });
-    ASSERT_TRUE(LockWatch::AwaitWaiters(1));
+    reader.AwaitWaiters(1);
     EXPECT_FALSE(reader.blocked->HasEnded());
     EXPECT_FALSE(waiting.HasEnded());
     EXPECT_EQ(reader.session.reader.TakeReports(), Reports{});
@@ -143,7 +124,7 @@ TEST(RfidBlockedCallers, AllComeToAnEndWhenTheReaderIsUnplugged) {
     for (const ReaderFunction& function : ReaderFunctions()) {
         waiting.push_back(std::make_unique<OtherThread>([&] { return function.call(reader.session.handle); }));
     }
-    ASSERT_TRUE(LockWatch::AwaitWaiters(static_cast<int>(waiting.size())));
+    reader.AwaitWaiters(waiting.size());
     reader.session.reader->Unplug();
     EXPECT_EQ(reader.blocked->Outcome(), kNotReceived);
     for (const auto& thread : waiting) {
@@ -171,10 +152,11 @@ TEST(RfidLateReply, IsAcceptedForEveryFunction) {
 
 // A command that never is answered ends with the reader. The next one, after opening again, has its own reply.
 TEST(RfidSilence, EndsWithTheReaderAndLeavesNothingBehind) {
+    const ReplyWatch watch;
     RfidSession session;
     session.reader->AddFault(UhfFault::Silence());
     OtherThread waiting([&] { return QLUHFRFID_SetPower(session.handle, 5); });
-    ASSERT_TRUE(session.reader->WaitForReceived(1));
+    watch.AwaitWaits(1);
     EXPECT_FALSE(waiting.HasEnded());
     session.reader->Unplug();
     EXPECT_EQ(waiting.Outcome(), kNotReceived);

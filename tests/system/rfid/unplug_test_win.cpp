@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
+#include "rfid/other_thread_win.h"
 #include "rfid/reader_functions.h"
 #include "rfid/rfid_session_win.h"
 
@@ -54,19 +57,18 @@ TEST(RfidUnplugged, ReaderIsNotFoundAfterItWasClosed) {
     EXPECT_DONE(QLUHFRFID_SetPower(again, 5));
 }
 
-// What the fault does to each function. The commands of those that are carried out all the same are not carried out.
-void ExpectFailureOfEach(const UhfFault& fault, QLerr code, const char* text) {
+// The call in the middle of which the reader goes.
+using InTheMiddle = std::function<Failure(RfidSession& session, const ReaderFunction& function)>;
+
+void ExpectFailureOfEach(const InTheMiddle& call, const Failure& expected) {
     RfidSession session;
-    for (const ReaderFunction& function : ReaderFunctions()) {
+    for (const ReaderFunction& function : OneFunctionPerCommand()) {
         SCOPED_TRACE(function.name);
         session.reader.TakeReports();
-        session.reader->AddFault(UhfFault::Status(0));
-        session.reader->AddFault(fault);
-        EXPECT_FAILURE(function.call(session.handle), code, text);
+        EXPECT_EQ(call(session, function), expected);
         EXPECT_EQ(session.reader.TakeReports(), Reports{Report(function.frame)});
         EXPECT_FAILURE(function.call(session.handle), QLERR_UHFRFID_COMMAND_SEND, kNotSent);
         EXPECT_EQ(session.reader.TakeReports(), Reports{});
-        session.reader->Unplug();  // waits until the reader has gone
         session.reader->Plug();
         session.handle.Reopen();
         EXPECT_DONE(QLUHFRFID_SetPower(session.handle, 5));
@@ -74,20 +76,42 @@ void ExpectFailureOfEach(const UhfFault& fault, QLerr code, const char* text) {
 }
 
 TEST(RfidUnplugged, InTheMiddleOfACommandFailsToSendIt) {
-    ExpectFailureOfEach(UhfFault::UnplugDuring(), QLERR_UHFRFID_COMMAND_SEND, kNotSent);
+    ExpectFailureOfEach(
+        [](RfidSession& session, const ReaderFunction& function) {
+            session.reader->AddFault(UhfFault::UnplugDuring());
+            const QLerr result = function.call(session.handle);
+            const Failure record = FetchLastError();
+            EXPECT_EQ(result, record.code);
+            return record;
+        },
+        {QLERR_UHFRFID_COMMAND_SEND, kNotSent});
 }
 
 TEST(RfidUnplugged, InsteadOfAReplyFailsToReceiveIt) {
-    ExpectFailureOfEach(UhfFault::UnplugBeforeAnswer(), QLERR_UHFRFID_COMMAND_RECEIVE, kNotReceived);
+    const ReplyWatch watch;
+    int waits = 1;  // two commands are replied to, or not, for each function
+    ExpectFailureOfEach(
+        [&](RfidSession& session, const ReaderFunction& function) {
+            session.reader->AddFault(UhfFault::Silence());
+            OtherThread caller([&] { return function.call(session.handle); });
+            watch.AwaitWaits(waits);
+            waits += 2;
+            session.reader->Unplug();
+            return caller.Outcome();
+        },
+        {QLERR_UHFRFID_COMMAND_RECEIVE, kNotReceived});
 }
 
 // The command is done, whether or not its reply arrives.
 TEST(RfidUnplugged, InsteadOfAReplyLeavesTheTagAsTheCommandMadeIt) {
+    const ReplyWatch watch;
     RfidSession session;
-    session.reader->AddFault(UhfFault::UnplugBeforeAnswer().For(UhfCode::kKill));
+    session.reader->AddFault(UhfFault::Silence());
     Password password = KillPassword();
-    EXPECT_FAILURE(QLUHFRFID_KillTag(session.handle, password.Data(), password.Length()), QLERR_UHFRFID_COMMAND_RECEIVE,
-                   kNotReceived);
+    OtherThread caller([&] { return QLUHFRFID_KillTag(session.handle, password.Data(), password.Length()); });
+    watch.AwaitWaits(1);
+    session.reader->Unplug();
+    EXPECT_EQ(caller.Outcome(), (Failure{QLERR_UHFRFID_COMMAND_RECEIVE, kNotReceived}));
     EXPECT_TRUE(session.reader->With([](const sim::UhfEngine& engine) { return engine.Field().at(0).tag.IsKilled(); }));
 }
 
