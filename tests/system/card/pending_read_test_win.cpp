@@ -156,7 +156,7 @@ class CardReadMemory : public ::testing::Test {
 TEST_F(CardReadMemory, OutlivesClosingTheReader) {
     OneReader one;
     const FreedMemory freed;
-    for (std::size_t round = 1; round <= 8; ++round) {
+    for (std::size_t round = 1; round <= 6; ++round) {
         Enable();
         one.Reader().Swipe();
         one.Log().AwaitCount(round);
@@ -172,7 +172,7 @@ TEST_F(CardReadMemory, OutlivesTheReadersVanishing) {
     settings.instance = "6&2f9a1b0c&0&0000";
     OneReader one(settings);
     const FreedMemory freed;
-    for (std::size_t round = 1; round <= 8; ++round) {
+    for (std::size_t round = 1; round <= 6; ++round) {
         Enable();
         one.Reader().Swipe();
         one.Log().AwaitCount(round);
@@ -190,7 +190,7 @@ TEST_F(CardReadMemory, OutlivesTheReadersVanishing) {
 TEST_F(CardReadMemory, OutlivesTheFamily) {
     OneReader one;
     const FreedMemory freed;
-    for (int round = 0; round < 5; ++round) {
+    for (int round = 0; round < 4; ++round) {
         ASSERT_SUCCESS(QLMSR_Initialize());
         ASSERT_EQ(ListReaders().size(), 1U);
         AddCallback();

@@ -59,7 +59,7 @@ TEST(CardReaderIndex, FollowsTheRulesInAnyOrderOfPluggingAndUnplugging) {
     }
     Serials expected;
     std::mt19937 random(20);
-    for (int step = 0; step < 14; ++step) {
+    for (int step = 0; step < 12; ++step) {
         // One reader changes its state; sometimes another one goes at the same time.
         const std::size_t changed = random() % readers.size();
         const std::string serial(1, static_cast<char>('A' + changed));

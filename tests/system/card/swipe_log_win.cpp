@@ -41,6 +41,11 @@ void SwipeLog::DoFirst(std::function<void(int, const MagStripeData*)> action) {
     first_ = std::move(action);
 }
 
+void SwipeLog::Clear() {
+    const std::lock_guard held(lock_);
+    swipes_ = {};
+}
+
 std::size_t SwipeLog::Count() const {
     const std::lock_guard held(lock_);
     return swipes_.size();

@@ -51,6 +51,8 @@ class SwipeLog {
     // Called in each callback before the swipe is logged.
     void DoFirst(std::function<void(int callback, const MagStripeData* record)> action);
 
+    // Forgets the swipes.
+    void Clear();
     std::size_t Count() const;
     std::vector<LoggedSwipe> Swipes() const;
     // Which callbacks were called, in order.
