@@ -22,8 +22,10 @@ using namespace quarlin::bench;  // NOLINT(google-build-using-namespace)
 
 namespace {
 
-constexpr int kBlocks = 12;
-constexpr int kSwipesPerBlock = 400;
+constexpr int kBlocks = 16;
+constexpr int kSwipesPerBlock = 150;
+// Milliseconds between two swipes: the next read is pending by then, as it is when people swipe cards.
+constexpr DWORD kPause = 2;
 // Reports on their way at most, in the long run: fewer than the system keeps for a reader that is slow.
 constexpr std::uint64_t kOnTheWay = 16;
 
@@ -117,12 +119,13 @@ class BareRead {
     std::thread thread_;
 };
 
-// Sends swipes one after the other, each when the one before has arrived.
+// Sends swipes one after the other, each a while after the one before has arrived.
 template <typename Arrived>
 void SendBlock(Reader& reader, Arrivals& arrivals, const Arrived& arrivedAt, std::vector<double>& microseconds) {
     const std::uint64_t before = arrivals.Count();
     for (std::uint64_t i = 1; i <= kSwipesPerBlock; ++i) {
         const auto report = reader.device.Swipe(BankCard(), {});
+        Sleep(kPause);
         const std::int64_t sent = Now();
         reader.Send(report);
         arrivals.WaitFor(before + i);
