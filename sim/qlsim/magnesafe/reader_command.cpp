@@ -6,6 +6,7 @@
 #include <charconv>
 #include <limits>
 
+#include "core/command_table.h"
 #include "hid/hex.h"
 #include "magnesafe/card_text.h"
 
@@ -137,36 +138,18 @@ constexpr std::array<Row, 12> kRows = {{
     {"status", Verb::kStatus, 0, 0, "", ParseNothing},
 }};
 
+std::string UsageOf(const Row& row) {
+    return std::string(row.name) + row.arguments;
+}
+
 }  // namespace
 
 ReaderCommand ParseReaderCommand(const Words& words) {
-    if (words.empty()) {
-        throw CommandError("a command is missing; \"help\" lists what there is");
-    }
-    const auto row = std::find_if(kRows.begin(), kRows.end(), [&](const Row& r) { return r.name == words.front(); });
-    if (row == kRows.end()) {
-        std::vector<std::string> names;
-        for (const Row& known : kRows) {
-            names.emplace_back(known.name);
-        }
-        throw CommandError("there is no command \"" + words.front() + "\"" + Suggestion(words.front(), names));
-    }
-    const std::size_t arguments = words.size() - 1;
-    if (arguments < row->least || arguments > row->most) {
-        throw CommandError("the command has to be: " + std::string(row->name) + row->arguments);
-    }
-    ReaderCommand command;
-    command.verb = row->verb;
-    row->parse(words, command);
-    return command;
+    return ParseByTable<ReaderCommand>(kRows, words, UsageOf);
 }
 
 std::vector<std::string> ReaderCommandUsage() {
-    std::vector<std::string> usage;
-    for (const Row& row : kRows) {
-        usage.push_back(std::string(row.name) + row.arguments);
-    }
-    return usage;
+    return UsageByTable(kRows, UsageOf);
 }
 
 }  // namespace quarlin::sim::magnesafe

@@ -6,6 +6,7 @@
 #include <charconv>
 #include <limits>
 
+#include "core/command_table.h"
 #include "uhf/arguments.h"
 
 namespace quarlin::sim {
@@ -186,28 +187,14 @@ constexpr std::array<Row, 24> kRows = {{
     {"status", Verb::kStatus, 0, 0, "status", ParseNothing},
 }};
 
+std::string UsageOf(const Row& row) {
+    return row.usage;
+}
+
 }  // namespace
 
 UhfCommand ParseUhfCommand(const Words& words) {
-    if (words.empty()) {
-        throw CommandError("a command is missing; \"help\" lists what there is");
-    }
-    const auto row = std::find_if(kRows.begin(), kRows.end(), [&](const Row& r) { return r.name == words.front(); });
-    if (row == kRows.end()) {
-        std::vector<std::string> names;
-        for (const Row& known : kRows) {
-            names.emplace_back(known.name);
-        }
-        throw CommandError("there is no command \"" + words.front() + "\"" + Suggestion(words.front(), names));
-    }
-    const std::size_t arguments = words.size() - 1;
-    if (arguments < row->least || arguments > row->most) {
-        throw CommandError("the command has to be: " + std::string(row->usage));
-    }
-    UhfCommand command;
-    command.verb = row->verb;
-    row->parse(words, command);
-    return command;
+    return ParseByTable<UhfCommand>(kRows, words, UsageOf);
 }
 
 bool SetUhfParameter(UhfQuery& query, const std::string& name, int value) {
@@ -231,11 +218,7 @@ bool SetUhfParameter(UhfQuery& query, const std::string& name, int value) {
 }
 
 std::vector<std::string> UhfCommandUsage() {
-    std::vector<std::string> usage;
-    for (const Row& row : kRows) {
-        usage.emplace_back(row.usage);
-    }
-    return usage;
+    return UsageByTable(kRows, UsageOf);
 }
 
 }  // namespace quarlin::sim
