@@ -6,6 +6,7 @@
 #ifndef QUARLIN_QUARLIN_H
 #define QUARLIN_QUARLIN_H
 
+#include "barcode.h"
 #include "camera.h"
 #include "card_reader.h"
 #include "device.h"

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "bcr/barcode_family.h"
+#include "bcr/window_messages_win.h"
 #include "core/library_state.h"
 #include "msr/card_reader_family.h"
 
@@ -13,8 +15,16 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEn
     switch (reason) {
         case DLL_PROCESS_ATTACH:
             quarlin::LoadLibraryState(instance);
+            quarlin::bcr::RegisterWindowMessages();
             break;
         case DLL_PROCESS_DETACH:
+            if (processEnds == nullptr) {
+                // No engine runs: the listener's thread would keep the library loaded.
+                quarlin::bcr::barcodeFamily.Unload();
+            } else {
+                // The other threads have been ended wherever they were, and engine libraries may be gone.
+                quarlin::bcr::barcodeFamily.Abandon();
+            }
             quarlin::UnloadLibraryState();
             if (processEnds == nullptr) {
                 // No reader is enabled: its thread would keep the library loaded.

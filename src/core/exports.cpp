@@ -4,6 +4,7 @@
 #include "core/firmware_model.h"
 #include "core/management_model.h"
 #include "core/text.h"
+#include "core/text_out.h"
 
 #include <quarlin/error.h>
 #include <quarlin/library.h>
@@ -99,17 +100,7 @@ QLerr QLSTR_StrVarPrintf(wchar_t* dst, int dstSize, int* written, const wchar_t*
 }
 
 QLerr QLSTR_CppStrToCStr(char* outStr, int* outStrSize, std::string text) {
-    return Export([&] {
-        const int needed = TextSize(text.size());
-        Require(outStrSize != nullptr, QLERR_INVALID_ARGUMENT, "dstSize cannot be NULL");
-        if (outStr == nullptr) {
-            Require(*outStrSize == 0, QLERR_INVALID_ARGUMENT, "OutStr cannot be NULL if OutStrSize is non-zero");
-        } else {
-            Require(*outStrSize >= needed, QLERR_BUFFER_OVERFLOW, "Buffer size too small");
-            BoundedCopyNarrow(outStr, *outStrSize, text.c_str());
-        }
-        *outStrSize = needed;
-    });
+    return Export([&] { CopyTextOut(outStr, outStrSize, text); });
 }
 
 QLerr QLLIB_GetSDKVersion(wchar_t* buffer, int* size) {

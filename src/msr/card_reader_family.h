@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "msr/card_reader_lock_win.h"
+#include "core/interruptible_lock_win.h"
 #include "msr/magstripe_manager.h"
 
 #include <quarlin/card_reader.h>
@@ -14,7 +14,7 @@ namespace quarlin::msr {
 // the texts of its exported function.
 class CardReaderFamily {
   public:
-    CardReaderLock& Lock() { return lock_; }
+    InterruptibleLock& Lock() { return lock_; }
 
     void Initialize();
     void Uninitialize();
@@ -29,7 +29,7 @@ class CardReaderFamily {
     bool IsSelectedEnabled() const;
 
   private:
-    CardReaderLock lock_;
+    InterruptibleLock lock_;
     // Owned. When the process ends with a manager alive it is left to the system: the threads of its readers have been
     // ended then wherever they were, locks and all.
     IQlMagStripeMgr* manager_ = nullptr;

@@ -16,7 +16,7 @@ namespace {
 // what the calls report.
 template <typename Body>
 QLerr ExportCardReader(Body&& body) {
-    const CardReaderLockHolder held(cardReaderFamily.Lock());
+    const InterruptibleLockHolder held(cardReaderFamily.Lock());
     return Export(std::forward<Body>(body));
 }
 
@@ -48,7 +48,7 @@ QLerr QLMSR_GetMagStripeDevices(MagStripeReaderInfo* readers, int* count) {
 
 MagStripeReaderInfo* QLMSR_GetMagStripeDevices_DotNET(QLerr* result, int* count) {
     constexpr int kCapacity = 3;
-    const CardReaderLockHolder held(cardReaderFamily.Lock());
+    const InterruptibleLockHolder held(cardReaderFamily.Lock());
     // The caller's, who releases it with the runtime's free.
     auto* const readers = static_cast<MagStripeReaderInfo*>(std::calloc(kCapacity, sizeof(MagStripeReaderInfo)));
     int listedCount = kCapacity;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/library_thread_win.h"
 #include "msr/msr_dev_base_win.h"
-#include "msr/reading_thread_win.h"
 #include "msr/usb_hid_dev_win.h"
 
 #include <array>
@@ -76,7 +76,7 @@ class CMSRDevMagtekMagneSafeV5 final : public CMSRDev,
     bool encryptionEnabled_ = false;
     bool initialized_ = false;
     CUsbHidDev hid_;
-    ReadingThread thread_;
+    LibraryThread thread_;
     std::shared_ptr<Run> run_;
 };
 

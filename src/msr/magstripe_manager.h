@@ -7,6 +7,10 @@
 #include <cstdint>
 #include <vector>
 
+namespace quarlin {
+class InterruptibleLock;
+}  // namespace quarlin
+
 namespace quarlin::msr {
 
 // The readers that the library knows, under indexes that stay, and the functions that receive their swipes. Results
@@ -37,10 +41,8 @@ class IQlMagStripeMgr {
     virtual void DispatchSwipe(const MagStripeData* record) = 0;
 };
 
-class CardReaderLock;
-
 // Owned by itself, until Destroy. Null when memory is short. The lock is the one that its callers hold; swipes take it
 // as well.
-IQlMagStripeMgr* CreateQlMagStripeMgr(CardReaderLock& callersLock);
+IQlMagStripeMgr* CreateQlMagStripeMgr(InterruptibleLock& callersLock);
 
 }  // namespace quarlin::msr

@@ -48,11 +48,11 @@ bool Describe(IMSRDev& reader, MagStripeReaderInfo& info) {
 
 }  // namespace
 
-IQlMagStripeMgr* CreateQlMagStripeMgr(CardReaderLock& callersLock) {
+IQlMagStripeMgr* CreateQlMagStripeMgr(InterruptibleLock& callersLock) {
     return CQlMagStripeMgr::Create(callersLock).get();
 }
 
-std::shared_ptr<CQlMagStripeMgr> CQlMagStripeMgr::Create(CardReaderLock& callersLock) {
+std::shared_ptr<CQlMagStripeMgr> CQlMagStripeMgr::Create(InterruptibleLock& callersLock) {
     try {
         auto manager = std::make_shared<CQlMagStripeMgr>(callersLock);
         manager->self_ = manager;
@@ -250,7 +250,7 @@ void CQlMagStripeMgr::OnCardSwiped(const MagStripeData* record) {
 
 void CQlMagStripeMgr::AroundSwipe(const std::atomic<bool>& stopping, const std::function<void()>& deliver) {
     if (callersLock_.EnterUnless(stopping)) {
-        const CardReaderLockHolder callersHeld(callersLock_, std::adopt_lock);
+        const InterruptibleLockHolder callersHeld(callersLock_, std::adopt_lock);
         const CSmartCriticalWrapper held(lock_);
         deliver();
     }

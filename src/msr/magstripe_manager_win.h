@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "core/interruptible_lock_win.h"
 #include "core/smart_critical_win.h"
 #include "msr/callback_list.h"
-#include "msr/card_reader_lock_win.h"
 #include "msr/magstripe_manager.h"
 #include "msr/msr_dev.h"
 
@@ -14,9 +14,9 @@ namespace quarlin::msr {
 
 class CQlMagStripeMgr final : public IQlMagStripeMgr, public IMSRDevListener {
   public:
-    static std::shared_ptr<CQlMagStripeMgr> Create(CardReaderLock& callersLock);
+    static std::shared_ptr<CQlMagStripeMgr> Create(InterruptibleLock& callersLock);
 
-    explicit CQlMagStripeMgr(CardReaderLock& callersLock) : callersLock_(callersLock) {}
+    explicit CQlMagStripeMgr(InterruptibleLock& callersLock) : callersLock_(callersLock) {}
     CQlMagStripeMgr(const CQlMagStripeMgr&) = delete;
     CQlMagStripeMgr& operator=(const CQlMagStripeMgr&) = delete;
     ~CQlMagStripeMgr() override;
@@ -50,7 +50,7 @@ class CQlMagStripeMgr final : public IQlMagStripeMgr, public IMSRDevListener {
     std::int32_t Adopt(const std::shared_ptr<IMSRDev>& fresh);
     IMSRDev* Find(std::int32_t index) const;
 
-    CardReaderLock& callersLock_;
+    InterruptibleLock& callersLock_;
     ReaderMap readers_;
     CallbackList callbacks_;
     CSmartCritical lock_;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "msr/usb_hid_dev_win.h"
 
-#include "msr/hid_paths_win.h"
+#include "core/hid_paths_win.h"
 
 #include <algorithm>
 #include <utility>
@@ -81,6 +81,9 @@ bool CUsbHidDev::IsOpen() {
 bool CUsbHidDev::EnumerateDevicePaths(std::vector<std::wstring>& paths) {
     const CSmartCriticalWrapper held(lock_);
     AppendHidPaths(paths);
+    for (std::wstring& path : paths) {
+        std::ranges::transform(path, path.begin(), [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
+    }
     return true;
 }
 

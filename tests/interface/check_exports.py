@@ -15,7 +15,7 @@ from report import report
 DO_NOTHING = ["QLMISC_ShowConsole", "QLMISC_ThreadSleep", "QLMISC_WaitForDebugger"]
 
 # Gives a buffer; its QLerr comes through a pointer.
-WITHOUT_CODE = ["QLMSR_GetMagStripeDevices_DotNET"]
+WITHOUT_CODE = ["QLBCR_dotNet_GetBarcodeDevices", "QLMSR_GetMagStripeDevices_DotNET"]
 
 
 def declaration_faults(functions):

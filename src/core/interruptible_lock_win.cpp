@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "msr/card_reader_lock_win.h"
+#include "core/interruptible_lock_win.h"
 
-namespace quarlin::msr {
+namespace quarlin {
 
-bool CardReaderLock::EnterUnless(const std::atomic<bool>& stopping) {
+bool InterruptibleLock::EnterUnless(const std::atomic<bool>& stopping) {
     if (stopping) {
         return false;
     }
@@ -25,22 +25,22 @@ bool CardReaderLock::EnterUnless(const std::atomic<bool>& stopping) {
     return entered;
 }
 
-void CardReaderLock::Leave() {
+void InterruptibleLock::Leave() {
     lock_.Leave();
     if (waiters_ > 0) {
         Notify();
     }
 }
 
-void CardReaderLock::EndWaits() {
+void InterruptibleLock::EndWaits() {
     Notify();
 }
 
-void CardReaderLock::Notify() {
+void InterruptibleLock::Notify() {
     AcquireSRWLockExclusive(&noticeLock_);
     ++notices_;
     ReleaseSRWLockExclusive(&noticeLock_);
     WakeAllConditionVariable(&noticed_);
 }
 
-}  // namespace quarlin::msr
+}  // namespace quarlin

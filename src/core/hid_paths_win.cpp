@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "msr/hid_paths_win.h"
+#include "core/hid_paths_win.h"
 
 #include "core/device_owners_win.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <cwctype>
 #include <memory>
 #include <new>
 #include <optional>
 
-namespace quarlin::msr {
+namespace quarlin {
 
 namespace {
 
@@ -28,14 +26,12 @@ std::optional<std::wstring> InterfacePath(HDEVINFO set, SP_DEVICE_INTERFACE_DATA
     if (!SetupDiGetDeviceInterfaceDetailW(set, &interfaceData, detail, size, nullptr, nullptr)) {
         return std::nullopt;
     }
-    std::wstring path(detail->DevicePath);
-    std::ranges::transform(path, path.begin(), [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
-    return path;
+    return detail->DevicePath;
 }
 
 }  // namespace
 
-void AppendHidPaths(std::vector<std::wstring>& paths) {
+void AppendHidPaths(std::vector<std::wstring>& paths, std::uint32_t most) {
     GUID hidClass;
     HidD_GetHidGuid(&hidClass);
     const DeviceInterfaceList set(
@@ -44,7 +40,7 @@ void AppendHidPaths(std::vector<std::wstring>& paths) {
         return;
     }
     try {
-        for (DWORD index = 0;; ++index) {
+        for (DWORD index = 0; index < most; ++index) {
             SP_DEVICE_INTERFACE_DATA interfaceData{};
             interfaceData.cbSize = sizeof interfaceData;
             if (!SetupDiEnumDeviceInterfaces(set.Get(), nullptr, &hidClass, index, &interfaceData)) {
@@ -61,4 +57,4 @@ void AppendHidPaths(std::vector<std::wstring>& paths) {
     }
 }
 
-}  // namespace quarlin::msr
+}  // namespace quarlin

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "msr/reading_thread_win.h"
+#include "core/library_thread_win.h"
 
 #include <process.h>
 
@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-namespace quarlin::msr {
+namespace quarlin {
 
 namespace {
 
@@ -26,7 +26,7 @@ unsigned __stdcall Run(void* argument) {
 
 }  // namespace
 
-bool ReadingThread::Start(std::function<void()> body) {
+bool LibraryThread::Start(std::function<void()> body) {
     auto task = std::make_unique<Task>();
     task->body = std::move(body);
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<const wchar_t*>(&Run),
@@ -44,14 +44,14 @@ bool ReadingThread::Start(std::function<void()> body) {
     return true;
 }
 
-void ReadingThread::Wait(DWORD milliseconds) const {
+void LibraryThread::Wait(DWORD milliseconds) const {
     WaitForSingleObject(thread_, milliseconds);
 }
 
-void ReadingThread::Forget() {
+void LibraryThread::Forget() {
     if (thread_ != nullptr) {
         CloseHandle(std::exchange(thread_, nullptr));
     }
 }
 
-}  // namespace quarlin::msr
+}  // namespace quarlin

@@ -5,16 +5,16 @@
 
 #include <functional>
 
-namespace quarlin::msr {
+namespace quarlin {
 
-// One thread of a reader. It keeps the library loaded while it runs, so that an application that frees the library with
-// a reader enabled does not leave a thread in code that is gone. The destructor neither ends it nor waits for it.
-class ReadingThread {
+// One thread of the library. It keeps the library loaded while it runs, so that an application that frees the library
+// with a reader enabled does not leave a thread in code that is gone. The destructor neither ends it nor waits for it.
+class LibraryThread {
   public:
-    ReadingThread() = default;
-    ReadingThread(const ReadingThread&) = delete;
-    ReadingThread& operator=(const ReadingThread&) = delete;
-    ~ReadingThread() { Forget(); }
+    LibraryThread() = default;
+    LibraryThread(const LibraryThread&) = delete;
+    LibraryThread& operator=(const LibraryThread&) = delete;
+    ~LibraryThread() { Forget(); }
 
     // False when the system has no thread for us. The body must not throw; the thread owns it and what it holds.
     bool Start(std::function<void()> body);
@@ -32,4 +32,4 @@ class ReadingThread {
     unsigned threadId_ = 0;
 };
 
-}  // namespace quarlin::msr
+}  // namespace quarlin

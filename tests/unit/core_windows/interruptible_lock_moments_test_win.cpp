@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The moments at which a notice of the manager's lock could get lost.
 #include "lock_worker_win.h"
-#include "msr/card_reader_lock_win.h"
+#include "core/interruptible_lock_win.h"
 
 #include <gtest/gtest.h>
 
@@ -45,9 +45,9 @@ void WINAPI GoOnAtNoticeLock(PSRWLOCK lock) {
     test::SystemFunction<decltype(AcquireSRWLockExclusive)>("kernel32.dll", "AcquireSRWLockExclusive")(lock);
 }
 
-class CardReaderLockMoment : public ::testing::TestWithParam<int> {
+class InterruptibleLockMoment : public ::testing::TestWithParam<int> {
   protected:
-    CardReaderLockMoment() {
+    InterruptibleLockMoment() {
         heldUpAtTry = GetParam();
         failedTries = 0;
         waiterIsHeldUp = heldUp_.Get();
@@ -74,7 +74,7 @@ class CardReaderLockMoment : public ::testing::TestWithParam<int> {
         return entered;
     }
 
-    CardReaderLock lock_;
+    InterruptibleLock lock_;
     std::atomic<bool> stopping_ = false;
 
   private:
@@ -85,11 +85,11 @@ class CardReaderLockMoment : public ::testing::TestWithParam<int> {
                                  GetModuleHandleW(nullptr)};
 };
 
-TEST_P(CardReaderLockMoment, OfAFailedTryMissesNoLeave) {
+TEST_P(InterruptibleLockMoment, OfAFailedTryMissesNoLeave) {
     EXPECT_TRUE(EntersWhen([&] { lock_.Leave(); }));
 }
 
-TEST_P(CardReaderLockMoment, OfAFailedTryMissesNoStop) {
+TEST_P(InterruptibleLockMoment, OfAFailedTryMissesNoStop) {
     EXPECT_FALSE(EntersWhen([&] {
         stopping_ = true;
         lock_.EndWaits();
@@ -97,7 +97,7 @@ TEST_P(CardReaderLockMoment, OfAFailedTryMissesNoStop) {
     lock_.Leave();
 }
 
-INSTANTIATE_TEST_SUITE_P(Tries, CardReaderLockMoment, ::testing::Values(1, 2),
+INSTANTIATE_TEST_SUITE_P(Tries, InterruptibleLockMoment, ::testing::Values(1, 2),
                          [](const auto& test) { return test.param == 1 ? "First" : "BeforeSleep"; });
 
 // Turns of the processor, so that what two threads do meets at ever other places.
@@ -109,9 +109,9 @@ void Idle(int turns) {
 }
 
 // The same moment for the waiter's look and for what ends its wait, thousands of times.
-TEST(CardReaderLockThreads, NeitherLeaveNorStopIsMissed) {
+TEST(InterruptibleLockThreads, NeitherLeaveNorStopIsMissed) {
     constexpr int kRounds = 3000;
-    CardReaderLock lock;
+    InterruptibleLock lock;
     test::Rendezvous start(2);
     test::Rendezvous end(2);
     std::atomic<bool> stopping = false;
@@ -154,8 +154,8 @@ TEST(CardReaderLockThreads, NeitherLeaveNorStopIsMissed) {
 }
 
 // What stopping a reader is: its holder waits for the end of a thread that wants the lock all the time.
-TEST(CardReaderLockThreads, HolderMayWaitForTheEndOfAThreadThatItStops) {
-    CardReaderLock lock;
+TEST(InterruptibleLockThreads, HolderMayWaitForTheEndOfAThreadThatItStops) {
+    InterruptibleLock lock;
     int swipes = 0;
     for (int round = 0; round < 300; ++round) {
         std::atomic<bool> stopping = false;
@@ -163,12 +163,12 @@ TEST(CardReaderLockThreads, HolderMayWaitForTheEndOfAThreadThatItStops) {
         Worker reader([&] {
             SetEvent(running.Get());
             while (lock.EnterUnless(stopping)) {
-                const CardReaderLockHolder held(lock, std::adopt_lock);
+                const InterruptibleLockHolder held(lock, std::adopt_lock);
                 ++swipes;
             }
         });
         ASSERT_EQ(WaitForSingleObject(running.Get(), test::kDeadline), DWORD{WAIT_OBJECT_0});
-        const CardReaderLockHolder held(lock);
+        const InterruptibleLockHolder held(lock);
         stopping = true;
         lock.EndWaits();
         const int before = swipes;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The lock between swipes and the calls that end them: what it promises to those who wait for it.
 #include "lock_worker_win.h"
-#include "msr/card_reader_lock_win.h"
+#include "core/interruptible_lock_win.h"
 
 #include <gtest/gtest.h>
 
@@ -39,9 +39,9 @@ BOOL WINAPI WatchSleep(PCONDITION_VARIABLE condition, PSRWLOCK lock, DWORD milli
         condition, lock, milliseconds, flags);
 }
 
-class CardReaderLockTest : public ::testing::Test {
+class InterruptibleLockTest : public ::testing::Test {
   protected:
-    CardReaderLockTest() {
+    InterruptibleLockTest() {
         wentToSleep = asleep_.Get();
         sleeps = 0;
         wakesWithoutReason = 0;
@@ -68,7 +68,7 @@ class CardReaderLockTest : public ::testing::Test {
         return entered;
     }
 
-    CardReaderLock lock_;
+    InterruptibleLock lock_;
     const std::atomic<bool> never_ = false;
 
   private:
@@ -76,7 +76,7 @@ class CardReaderLockTest : public ::testing::Test {
     test::ImportHook sleep_{"KERNEL32.dll", "SleepConditionVariableSRW", &WatchSleep, GetModuleHandleW(nullptr)};
 };
 
-TEST_F(CardReaderLockTest, IsHeldFromEnterToLeave) {
+TEST_F(InterruptibleLockTest, IsHeldFromEnterToLeave) {
     EXPECT_TRUE(lock_.IsInitialized());
     EXPECT_TRUE(IsFree());
     lock_.Enter();
@@ -85,7 +85,7 @@ TEST_F(CardReaderLockTest, IsHeldFromEnterToLeave) {
     EXPECT_TRUE(IsFree());
 }
 
-TEST_F(CardReaderLockTest, IsEnteredAtOnceWhenFree) {
+TEST_F(InterruptibleLockTest, IsEnteredAtOnceWhenFree) {
     ASSERT_TRUE(lock_.EnterUnless(never_));
     EXPECT_FALSE(HasNewSleeper());
     EXPECT_FALSE(IsFree());
@@ -93,7 +93,7 @@ TEST_F(CardReaderLockTest, IsEnteredAtOnceWhenFree) {
     EXPECT_TRUE(IsFree());
 }
 
-TEST_F(CardReaderLockTest, MayBeEnteredAgainByItsThreadEitherWay) {
+TEST_F(InterruptibleLockTest, MayBeEnteredAgainByItsThreadEitherWay) {
     lock_.Enter();
     ASSERT_TRUE(lock_.EnterUnless(never_));
     lock_.Enter();
@@ -106,7 +106,7 @@ TEST_F(CardReaderLockTest, MayBeEnteredAgainByItsThreadEitherWay) {
     EXPECT_TRUE(IsFree());
 }
 
-TEST_F(CardReaderLockTest, IsNotEnteredByAThreadThatIsToStop) {
+TEST_F(InterruptibleLockTest, IsNotEnteredByAThreadThatIsToStop) {
     const std::atomic<bool> stopping = true;
     EXPECT_FALSE(lock_.EnterUnless(stopping));
     EXPECT_TRUE(IsFree());
@@ -116,7 +116,7 @@ TEST_F(CardReaderLockTest, IsNotEnteredByAThreadThatIsToStop) {
     EXPECT_TRUE(IsFree());
 }
 
-TEST_F(CardReaderLockTest, GoesToAWaiterWhenItIsLeft) {
+TEST_F(InterruptibleLockTest, GoesToAWaiterWhenItIsLeft) {
     std::atomic<bool> entered = false;
     lock_.Enter();
     Worker waiter([&] {
@@ -131,7 +131,7 @@ TEST_F(CardReaderLockTest, GoesToAWaiterWhenItIsLeft) {
     EXPECT_TRUE(IsFree());
 }
 
-TEST_F(CardReaderLockTest, StaysWithItsHolderWhenItIsLeftLessOftenThanEntered) {
+TEST_F(InterruptibleLockTest, StaysWithItsHolderWhenItIsLeftLessOftenThanEntered) {
     std::atomic<bool> entered = false;
     lock_.Enter();
     lock_.Enter();
@@ -150,7 +150,7 @@ TEST_F(CardReaderLockTest, StaysWithItsHolderWhenItIsLeftLessOftenThanEntered) {
     EXPECT_TRUE(entered);
 }
 
-TEST_F(CardReaderLockTest, LetsAWaiterGoThatIsToStop) {
+TEST_F(InterruptibleLockTest, LetsAWaiterGoThatIsToStop) {
     std::atomic<bool> stopping = false;
     bool entered = true;
     lock_.Enter();
@@ -165,7 +165,7 @@ TEST_F(CardReaderLockTest, LetsAWaiterGoThatIsToStop) {
     EXPECT_TRUE(IsFree());
 }
 
-TEST_F(CardReaderLockTest, KeepsAWaiterThatIsNotMeant) {
+TEST_F(InterruptibleLockTest, KeepsAWaiterThatIsNotMeant) {
     std::array<std::atomic<bool>, 3> stopping{};
     std::array<bool, 3> entered{true, true, true};
     std::vector<std::unique_ptr<Worker>> waiters;
@@ -193,7 +193,7 @@ TEST_F(CardReaderLockTest, KeepsAWaiterThatIsNotMeant) {
     EXPECT_TRUE(entered[2]);
 }
 
-TEST_F(CardReaderLockTest, IsNotEnteredByAWaiterThatWakesForNoReason) {
+TEST_F(InterruptibleLockTest, IsNotEnteredByAWaiterThatWakesForNoReason) {
     std::atomic<bool> stopping = false;
     bool entered = true;
     lock_.Enter();
@@ -208,11 +208,11 @@ TEST_F(CardReaderLockTest, IsNotEnteredByAWaiterThatWakesForNoReason) {
     lock_.Leave();
 }
 
-TEST_F(CardReaderLockTest, IsHeldByItsHolders) {
+TEST_F(InterruptibleLockTest, IsHeldByItsHolders) {
     {
-        const CardReaderLockHolder outer(lock_);
+        const InterruptibleLockHolder outer(lock_);
         {
-            const CardReaderLockHolder inner(lock_);
+            const InterruptibleLockHolder inner(lock_);
             EXPECT_FALSE(IsFree());
         }
         EXPECT_FALSE(IsFree());
@@ -220,7 +220,7 @@ TEST_F(CardReaderLockTest, IsHeldByItsHolders) {
     EXPECT_TRUE(IsFree());
     ASSERT_TRUE(lock_.EnterUnless(never_));
     {
-        const CardReaderLockHolder adopted(lock_, std::adopt_lock);
+        const InterruptibleLockHolder adopted(lock_, std::adopt_lock);
         EXPECT_FALSE(IsFree());
     }
     EXPECT_TRUE(IsFree());
@@ -230,10 +230,10 @@ BOOL WINAPI RefuseSection(LPCRITICAL_SECTION, DWORD, DWORD) {
     return FALSE;
 }
 
-TEST(CardReaderLockWithoutASection, HoldsNobodyUp) {
+TEST(InterruptibleLockWithoutASection, HoldsNobodyUp) {
     const test::ImportHook hook("KERNEL32.dll", "InitializeCriticalSectionEx", &RefuseSection,
                                 GetModuleHandleW(nullptr));
-    CardReaderLock lock;
+    InterruptibleLock lock;
     EXPECT_FALSE(lock.IsInitialized());
     const std::atomic<bool> never = false;
     const std::atomic<bool> stopping = true;
@@ -249,7 +249,7 @@ TEST(CardReaderLockWithoutASection, HoldsNobodyUp) {
     lock.EndWaits();
 }
 
-TEST_F(CardReaderLockTest, LetsOneInAtATimeAndForgetsNobody) {
+TEST_F(InterruptibleLockTest, LetsOneInAtATimeAndForgetsNobody) {
     constexpr int kRounds = 2000;
     constexpr int kPairs = 3;
     int counter = 0;
@@ -265,15 +265,15 @@ TEST_F(CardReaderLockTest, LetsOneInAtATimeAndForgetsNobody) {
         for (int i = 0; i < kPairs; ++i) {
             workers.push_back(std::make_unique<Worker>([&] {
                 for (int round = 0; round < kRounds; ++round) {
-                    const CardReaderLockHolder held(lock_);
-                    const CardReaderLockHolder again(lock_);
+                    const InterruptibleLockHolder held(lock_);
+                    const InterruptibleLockHolder again(lock_);
                     count();
                 }
             }));
             workers.push_back(std::make_unique<Worker>([&] {
                 for (int round = 0; round < kRounds; ++round) {
                     ASSERT_TRUE(lock_.EnterUnless(never_));
-                    const CardReaderLockHolder held(lock_, std::adopt_lock);
+                    const InterruptibleLockHolder held(lock_, std::adopt_lock);
                     count();
                 }
             }));

@@ -7,11 +7,11 @@
 #include <cstdint>
 #include <mutex>
 
-namespace quarlin::msr {
+namespace quarlin {
 
-// The family's lock: recursive, and a thread that waits for it may be called back before it gets it. That is what
-// keeps a swipe on its way to the manager and a call that stops the swipe's reader from waiting for each other.
-class CardReaderLock {
+// A recursive lock for which a thread may wait that is called back before it gets it. That is what keeps a thread that
+// delivers and a call that waits for its end from waiting for each other.
+class InterruptibleLock {
   public:
     bool IsInitialized() const { return lock_.IsInitialized(); }
 
@@ -34,17 +34,17 @@ class CardReaderLock {
 };
 
 // Holds it while it lives.
-class CardReaderLockHolder {
+class InterruptibleLockHolder {
   public:
-    explicit CardReaderLockHolder(CardReaderLock& lock) : lock_(&lock) { lock_->Enter(); }
+    explicit InterruptibleLockHolder(InterruptibleLock& lock) : lock_(&lock) { lock_->Enter(); }
     // The thread has entered it already.
-    CardReaderLockHolder(CardReaderLock& lock, std::adopt_lock_t) : lock_(&lock) {}
-    CardReaderLockHolder(const CardReaderLockHolder&) = delete;
-    CardReaderLockHolder& operator=(const CardReaderLockHolder&) = delete;
-    ~CardReaderLockHolder() { lock_->Leave(); }
+    InterruptibleLockHolder(InterruptibleLock& lock, std::adopt_lock_t) : lock_(&lock) {}
+    InterruptibleLockHolder(const InterruptibleLockHolder&) = delete;
+    InterruptibleLockHolder& operator=(const InterruptibleLockHolder&) = delete;
+    ~InterruptibleLockHolder() { lock_->Leave(); }
 
   private:
-    CardReaderLock* lock_;
+    InterruptibleLock* lock_;
 };
 
-}  // namespace quarlin::msr
+}  // namespace quarlin

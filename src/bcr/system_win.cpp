@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "bcr/system_win.h"
+
+#include "core/firmware_model.h"
+#include "core/quarlin_exception.h"
+#include "device/device_family.h"
+#include "device/device_queries.h"
+
+#include <windows.h>
+
+#include <mmsystem.h>
+#include <shlwapi.h>
+#include <array>
+#include <cstdlib>
+#include <cwchar>
+
+namespace quarlin::bcr {
+namespace {
+
+constexpr std::size_t kPathSize = 260;
+
+// The machine's numbers for its scanners.
+constexpr std::int32_t kBuiltInIntermec = 1;
+constexpr std::int32_t kScannerEngine = 14;
+constexpr std::int32_t kMiniDb = 15;
+
+bool IsAvailable(std::int32_t device) {
+    try {
+        return device::IsDeviceAvailable(device::deviceFamily.Probe(), device);
+    } catch (const QuarlinException&) {
+        return false;
+    }
+}
+
+ScannerHardware AvailableScanner() {
+    if (IsAvailable(kMiniDb)) {
+        return ScannerHardware::kMiniDb;
+    }
+    if (IsAvailable(kScannerEngine)) {
+        return ScannerHardware::kEngine;
+    }
+    return IsAvailable(kBuiltInIntermec) ? ScannerHardware::kIntermecBuiltIn : ScannerHardware::kNone;
+}
+
+}  // namespace
+
+void WindowsEngineSystem::Pause(std::uint32_t milliseconds) {
+    Sleep(milliseconds);
+}
+
+bool WindowsEngineSystem::IsReadable(const void* memory, std::uintptr_t size) {
+    constexpr DWORD kUnreadable = PAGE_NOACCESS | PAGE_GUARD;
+    auto next = reinterpret_cast<std::uintptr_t>(memory);
+    if (size > UINTPTR_MAX - next) {
+        return false;
+    }
+    const std::uintptr_t end = next + size;
+    while (next < end) {
+        MEMORY_BASIC_INFORMATION region{};
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): addresses are what this is about
+        if (VirtualQuery(reinterpret_cast<const void*>(next), &region, sizeof region) == 0 ||
+            region.State != MEM_COMMIT || (region.Protect & kUnreadable) != 0) {
+            return false;
+        }
+        next = reinterpret_cast<std::uintptr_t>(region.BaseAddress) + region.RegionSize;
+    }
+    return true;
+}
+
+ComputerModel ThisMachine::Model() {
+    try {
+        return ModelOf(FirmwareProductName());
+    } catch (const QuarlinException&) {
+        // A machine without a name is none of ours.
+        return ComputerModel::kOther;
+    }
+}
+
+ScannerHardware ThisMachine::Hardware() {
+    try {
+        device::deviceFamily.Initialize();
+    } catch (const QuarlinException&) {
+        // Without the device-check library no scanner is reported.
+        return ScannerHardware::kNone;
+    }
+    const ScannerHardware hardware = AvailableScanner();
+    device::deviceFamily.Uninitialize();
+    return hardware;
+}
+
+void WaveSound::Play(const std::wstring& file) {
+    PlaySoundW(file.c_str(), nullptr, SND_FILENAME | SND_ASYNC | SND_NODEFAULT);
+}
+
+std::wstring DefaultSoundFile() {
+    std::array<wchar_t, kPathSize> folder{};
+    GetWindowsDirectoryW(folder.data(), static_cast<UINT>(folder.size()));
+    return std::wstring(folder.data()) + L"\\media\\chimes.wav";
+}
+
+std::optional<std::wstring> ExistingSoundFile(const wchar_t* path) {
+    // A path that fits has parts that fit.
+    if (path == nullptr || wcsnlen(path, kPathSize) == kPathSize) {
+        return std::nullopt;
+    }
+    std::array<wchar_t, kPathSize> drive{};
+    std::array<wchar_t, kPathSize> folder{};
+    std::array<wchar_t, kPathSize> name{};
+    std::array<wchar_t, kPathSize> extension{};
+    std::array<wchar_t, kPathSize> joined{};
+    if (_wsplitpath_s(path, drive.data(), drive.size(), folder.data(), folder.size(), name.data(), name.size(),
+                      extension.data(), extension.size()) != 0 ||
+        _wmakepath_s(joined.data(), joined.size(), drive.data(), folder.data(), name.data(), extension.data()) != 0 ||
+        !PathFileExistsW(joined.data())) {
+        return std::nullopt;
+    }
+    return joined.data();
+}
+
+}  // namespace quarlin::bcr

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "bcr/attached_devices_win.h"
+#include "bcr/device_list.h"
+#include "bcr/emulator_program_win.h"
+#include "bcr/scan_delivery.h"
+#include "core/smart_critical_win.h"
+
+namespace quarlin::bcr {
+
+class WindowsEngineSystem final : public EngineSystem {
+  public:
+    void Pause(std::uint32_t milliseconds) override;
+    void EnterEngine() override { lock_.Enter(); }
+    void LeaveEngine() override { lock_.Leave(); }
+    bool IsReadable(const void* memory, std::uintptr_t size) override;
+
+  private:
+    CSmartCritical lock_;
+};
+
+class ThisMachine final : public MachineFacts {
+  public:
+    ComputerModel Model() override;
+    ScannerHardware Hardware() override;
+};
+
+class WaveSound final : public ReadSound {
+  public:
+    void Play(const std::wstring& file) override;
+};
+
+// Everything of the system that the family lives on.
+struct SystemServices {
+    WindowsEngineSystem engines;
+    RunningEmulator emulator;
+    SystemDevices attached;
+    ThisMachine machine;
+    WaveSound sound;
+};
+
+// The sound that a device begins with.
+std::wstring DefaultSoundFile();
+// The path as it is kept; nothing when there is no such file.
+std::optional<std::wstring> ExistingSoundFile(const wchar_t* path);
+
+}  // namespace quarlin::bcr
