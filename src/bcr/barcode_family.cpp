@@ -162,7 +162,7 @@ void BarcodeFamily::StopScanning() {
 }
 
 void BarcodeFamily::OnHoneywellEvent(std::uint32_t eventType, const void* data, std::uint32_t length) const {
-    HWND const window = listener_.Window();
+    auto* const window = listener_.Window();
     if (eventType == kHoneywellScan && receiving_ != nullptr && window != nullptr) {
         PostMessageW(window, windowMessages.rawData, length, reinterpret_cast<LPARAM>(data));
     }

@@ -4,7 +4,7 @@
 #include <quarlin/barcode.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace quarlin::bcr {
@@ -27,13 +27,10 @@ std::size_t NextCharacter(std::string_view text, std::size_t at) {
     return std::min(at + CharacterLength(text[at]), text.size());
 }
 
-// Signed, as positions are. Negating the lowest position in 32 bits would overflow.
-std::int64_t SignedCount(std::string_view text) {
-    return static_cast<std::int64_t>(CountCharacters(text));
-}
-
-std::int64_t Magnitude(std::int32_t position) {
-    return std::abs(std::int64_t{position});
+// The end of a character that another one follows; nothing when the position is 0 or leaves the text.
+std::optional<std::size_t> OffsetWithin(std::string_view text, std::int32_t position) {
+    const std::optional<std::size_t> offset = OffsetBehind(text, position);
+    return offset && *offset < text.size() ? offset : std::nullopt;
 }
 
 std::string Replace(std::string text, const std::string& target, const std::string& content) {
@@ -51,10 +48,8 @@ std::string Replace(std::string text, const std::string& target, const std::stri
 }
 
 std::string Insert(std::string text, const std::string& content, std::int32_t start) {
-    if (SignedCount(text) >= Magnitude(start)) {
-        if (const std::optional<std::size_t> offset = OffsetBehind(text, start)) {
-            text.insert(*offset, content);
-        }
+    if (const std::optional<std::size_t> offset = OffsetBehind(text, start)) {
+        text.insert(*offset, content);
     }
     return text;
 }
@@ -109,16 +104,10 @@ std::string Remove(std::string text, std::string_view target, std::size_t start,
 }
 
 std::string Delete(std::string text, const EditSetting& setting) {
-    const std::int64_t count = SignedCount(text);
-    std::size_t start = 0;
-    if (setting.start >= 1 && count > setting.start) {
-        start = OffsetBehind(text, setting.start).value_or(0);
-    }
-    std::size_t end = text.size();
-    if (setting.end != 0 && count > Magnitude(setting.end)) {
-        end = OffsetBehind(text, setting.end).value_or(end);
-    }
-    // A target longer than the range before the end leaves a limit below 0, where none can begin.
+    // A start from the end of the text, unlike an end, counts as none.
+    const std::size_t start = setting.start < 1 ? 0 : OffsetWithin(text, setting.start).value_or(0);
+    const std::size_t end = OffsetWithin(text, setting.end).value_or(text.size());
+    // The last place where a target fits before the end, plus 1. Below 1 when none does.
     const std::int64_t limit = static_cast<std::int64_t>(end) + 1 - static_cast<std::int64_t>(setting.target.size());
     return Remove(std::move(text), setting.target, start, limit);
 }
@@ -134,7 +123,9 @@ std::size_t CountCharacters(std::string_view text) {
 }
 
 std::optional<std::size_t> OffsetBehind(std::string_view text, std::int32_t position) {
-    const std::int64_t character = position < 0 ? SignedCount(text) + position : position;
+    // In 64 bits, where even the lowest position can be added to.
+    const std::int64_t character =
+        position < 0 ? static_cast<std::int64_t>(CountCharacters(text)) + position : position;
     if (character < 1) {
         return std::nullopt;
     }
@@ -157,10 +148,7 @@ std::string Edit(std::string text, const EditSetting& setting) {
             }
             break;
         case QLBCR_EDIT_INSERT:
-            if (!setting.content.empty() && setting.start != 0) {
-                return Insert(std::move(text), setting.content, setting.start);
-            }
-            break;
+            return Insert(std::move(text), setting.content, setting.start);
         case QLBCR_EDIT_DELETE:
             if (!setting.target.empty()) {
                 return Delete(std::move(text), setting);

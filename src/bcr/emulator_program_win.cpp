@@ -23,13 +23,14 @@ constexpr UINT kPatience = 60000;
 
 bool IsEmulator(DWORD processId) {
     const KernelHandle process(nullptr, OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
-    HMODULE program = nullptr;
+    std::array<HMODULE, 1> program{};
     DWORD needed = 0;
-    if (!process.IsValid() || !K32EnumProcessModules(process.Get(), &program, sizeof program, &needed)) {
+    if (!process.IsValid() || !K32EnumProcessModules(process.Get(), program.data(), sizeof program, &needed)) {
         return false;
     }
     std::array<wchar_t, 260> name{};
-    const DWORD length = K32GetModuleBaseNameW(process.Get(), program, name.data(), static_cast<DWORD>(name.size()));
+    const DWORD length =
+        K32GetModuleBaseNameW(process.Get(), program.front(), name.data(), static_cast<DWORD>(name.size()));
     return std::wstring_view(name.data(), length) == kProgram;
 }
 

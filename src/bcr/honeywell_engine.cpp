@@ -13,7 +13,7 @@
 namespace quarlin::bcr {
 namespace {
 
-constexpr char kRegistryPath[] = "HKCU\\SOFTWARE\\Norvane\\Barcode\\Honeywell";
+constexpr char kRegistryPath[] = R"(HKCU\SOFTWARE\Norvane\Barcode\Honeywell)";
 
 // The texts of the library's device list have this much room.
 constexpr std::uint32_t kListTextRoom = 1024;

@@ -6,7 +6,7 @@
 namespace quarlin::bcr {
 namespace {
 
-constexpr char kRegistryPath[] = "HKCU\\SOFTWARE\\Norvane\\Barcode\\Intermec";
+constexpr char kRegistryPath[] = R"(HKCU\SOFTWARE\Norvane\Barcode\Intermec)";
 
 // Control codes of the engine's library.
 constexpr std::uint32_t kSetHidPath = 260;

@@ -75,7 +75,7 @@ void ListenerWindow::Start() {
 
 void ListenerWindow::Stop() {
     stopping_ = true;
-    if (HWND const window = window_) {
+    if (const auto window = window_.load()) {
         PostMessageW(window, WM_CLOSE, 0, 0);
     }
     // Not for the thread's end: what is left of it keeps the library loaded by itself.
@@ -113,18 +113,20 @@ void ListenerWindow::Serve() {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
-    if (HWND const window = window_) {
+    if (const auto window = window_.load()) {
         DestroyWindow(window);
     }
 }
 
 LRESULT CALLBACK ListenerWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_NCCREATE) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): what messages carry
         const auto* const creation = reinterpret_cast<const CREATESTRUCTW*>(lParam);
         auto* const created = static_cast<ListenerWindow*>(creation->lpCreateParams);
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(created));
         created->window_ = window;
     }
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): what the window keeps
     auto* const listener = reinterpret_cast<ListenerWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (listener == nullptr) {
         return DefWindowProcW(window, message, wParam, lParam);

@@ -18,7 +18,7 @@ constexpr wchar_t ToUpper(wchar_t character) {
 // `part` is in upper case.
 bool HoldsInAnyCase(std::wstring_view text, std::wstring_view part) {
     const auto same = [](wchar_t left, wchar_t right) { return ToUpper(left) == right; };
-    return !std::ranges::search(text, part, same).empty();
+    return std::search(text.begin(), text.end(), part.begin(), part.end(), same) != text.end();
 }
 
 // The digits that the text begins with; nothing when there are none or their number is none of 32 bits.
