@@ -5,9 +5,9 @@
  *
  * The library in one page
  * -----------------------
- * - Prefixes: QLAPI_ errors, QLSTR_ text, QLLIB_ and QLMISC_ the library and the machine, QLMSR_ card readers, QLGPS_
- *   (and GPS_VerifyAvailable) the GPS receiver, QLUHFRFID_ the UHF RFID reader, QLDEVICE_ built-in devices and
- *   batteries, QLCAM_ the camera light.
+ * - Prefixes: QLAPI_ errors, QLSTR_ text, QLLIB_ and QLMISC_ the library and the machine, QLBCR_ the barcode scanner,
+ *   QLMSR_ card readers, QLGPS_ (and GPS_VerifyAvailable) the GPS receiver, QLUHFRFID_ the UHF RFID reader, QLDEVICE_
+ *   built-in devices and batteries, QLCAM_ the camera light.
  * - Every function returns a QLerr; that of QLAPI_GetLastError is the code that it fetched. Codes decide,
  *   texts explain: branch on the code, show the text to a person. The texts are fixed English
  *   sentences; where the system failed, its own words follow in the user's language.

@@ -20,7 +20,7 @@ constexpr std::array kExitStatuses{
     ExitStatusRow{ExitStatus::kRfidReader, "the UHF RFID reader refused or failed"},
     ExitStatusRow{ExitStatus::kInterrupted, "stopped by Ctrl-C before there was anything to show"},
     ExitStatusRow{ExitStatus::kOutput, "the output could not be written"},
-    ExitStatusRow{ExitStatus::kNoDevice, "no such reader is plugged in"},
+    ExitStatusRow{ExitStatus::kNoDevice, "no such reader or scanner is there"},
 };
 
 struct CodeRow {

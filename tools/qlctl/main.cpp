@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
+#include "console/arguments.h"
 #include "console/process_end.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <iostream>
 
@@ -19,6 +21,7 @@ std::string ExitStatusHelp() {
            "\nExamples:\n"
            "  qlctl info\n"
            "  qlctl gps status --port 3\n"
+           "  qlctl barcode watch\n"
            "  qlctl card watch --count 1\n"
            "  qlctl gps watch --help";
 }
@@ -47,7 +50,7 @@ Ending Run(const Chosen& chosen) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main() {
     CLI::App program("Shows what qlsdk.dll knows about this machine and its devices.", "qlctl");
     program.require_subcommand(1);
     program.set_version_flag("--version", "qlctl " QLCTL_VERSION);
@@ -63,8 +66,11 @@ int main(int argc, char** argv) {
     AddLightCommands(program, chosen);
     AddCardCommands(program, chosen);
     AddRfidCommands(program, chosen);
+    AddBarcodeCommands(program, chosen);
     try {
-        program.parse(argc, argv);
+        std::vector<std::string> arguments = Utf8Arguments();
+        std::ranges::reverse(arguments);  // the parser takes them from the end
+        program.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         // Help and the version come this way too, with 0.
         return static_cast<int>(program.exit(error) == 0 ? ExitStatus::kDone : ExitStatus::kUsage);

@@ -25,5 +25,6 @@ void AddDeviceCommands(CLI::App& program, Chosen& chosen);
 void AddLightCommands(CLI::App& program, Chosen& chosen);
 void AddCardCommands(CLI::App& program, Chosen& chosen);
 void AddRfidCommands(CLI::App& program, Chosen& chosen);
+void AddBarcodeCommands(CLI::App& program, Chosen& chosen);
 
 }  // namespace quarlin::qlctl

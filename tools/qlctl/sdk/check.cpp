@@ -29,4 +29,13 @@ std::string ToUtf8(const wchar_t* text) {
     return narrow;
 }
 
+std::wstring ToWide(const std::string& text) {
+    int size = 0;
+    Check(QLSTR_NarrowToWide(nullptr, 0, &size, text.c_str()));
+    std::wstring wide(static_cast<size_t>(size), L'\0');
+    Check(QLSTR_NarrowToWide(wide.data(), size, &size, text.c_str()));
+    wide.pop_back();  // the terminator
+    return wide;
+}
+
 }  // namespace quarlin::qlctl

@@ -16,4 +16,7 @@ void Check(QLerr result);
 // Wide text of the library as UTF-8.
 std::string ToUtf8(const wchar_t* text);
 
+// UTF-8 as wide text for the library.
+std::wstring ToWide(const std::string& text);
+
 }  // namespace quarlin::qlctl

@@ -58,6 +58,18 @@ std::wstring QlctlPath() {
     return path + L"\\bin\\qlctl.exe";
 }
 
+namespace {
+
+std::wstring ToWide(const std::string& text) {
+    std::wstring wide(text.size(), L'\0');
+    const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                                         static_cast<int>(wide.size()));
+    wide.resize(static_cast<size_t>(size));
+    return wide;
+}
+
+}  // namespace
+
 ChildProcess::ChildProcess(const std::string& arguments, PipeReader::Reading output) : out_(output) {
     Start(arguments, out_.WriteEnd());
 }
@@ -72,7 +84,7 @@ void ChildProcess::Start(const std::string& arguments, HANDLE output) {
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = output;
     startup.hStdError = err_.WriteEnd();
-    std::wstring commandLine = L"qlctl " + std::wstring(arguments.begin(), arguments.end());
+    std::wstring commandLine = L"qlctl " + ToWide(arguments);
     PROCESS_INFORMATION process{};
     EXPECT_TRUE(CreateProcessW(QlctlPath().c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                                &startup, &process))

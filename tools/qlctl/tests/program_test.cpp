@@ -23,16 +23,21 @@ TEST_P(UsageError, EndsWithOneAndPointsToTheHelp) {
     EXPECT_TRUE(Contains(result.err, "--help")) << result.err;
 }
 
-INSTANTIATE_TEST_SUITE_P(CommandLines, UsageError,
-                         testing::Values("", "gps", "info --port 3", "gps status --port x",
-                                         "gps status --port 99999999999", "gps status --count 0",
-                                         "gps status --timeout -1", "gps status --interval 0",
-                                         "gps watch --redraw often", "gps status extra", "device", "light timer",
-                                         "light timer 0", "card watch --count 0", "card list --show-pan",
-                                         "rfid read --bank bank", "rfid read", "rfid write --bank user --data CAF",
-                                         "rfid write --bank user --data CAFE01", "rfid kill --yes",
-                                         "rfid kill --password 12345678", "rfid lock 1 --yes",
-                                         "rfid kill --password 123456789 --yes", "rfid query --q x"));
+INSTANTIATE_TEST_SUITE_P(
+    CommandLines, UsageError,
+    testing::Values("", "gps", "info --port 3", "gps status --port x", "gps status --port 99999999999",
+                    "gps status --count 0", "gps status --timeout -1", "gps status --interval 0",
+                    "gps watch --redraw often", "gps status extra", "device", "light timer", "light timer 0",
+                    "card watch --count 0", "card list --show-pan", "rfid read --bank bank", "rfid read",
+                    "rfid write --bank user --data CAF", "rfid write --bank user --data CAFE01", "rfid kill --yes",
+                    "rfid kill --password 12345678", "rfid lock 1 --yes", "rfid kill --password 123456789 --yes",
+                    "rfid query --q x", "barcode", "barcode watch --count 0", "barcode watch --for -1",
+                    "barcode watch --replace A", "barcode watch --replace A=", "barcode watch --insert 0:x",
+                    "barcode watch --delete \"\"", "barcode watch --replace A=B --delete C",
+                    "barcode watch --prefix \\q", "barcode watch --suffix \"\"", "barcode edit",
+                    "barcode edit replace A", "barcode edit insert x -", "barcode symbology enable",
+                    "barcode symbology enable QR nothing", "barcode trigger --hardware maybe",
+                    "barcode trigger --mode x", "barcode list extra"));
 
 class Help : public testing::TestWithParam<const char*> {};
 
@@ -54,7 +59,16 @@ INSTANTIATE_TEST_SUITE_P(Commands, Help,
                                          "device list", "device battery", "light", "light on", "light off",
                                          "light timer", "light status", "card", "card list", "card watch", "rfid",
                                          "rfid inventory", "rfid read", "rfid write", "rfid lock", "rfid kill",
-                                         "rfid power", "rfid query"));
+                                         "rfid power", "rfid query", "barcode", "barcode list", "barcode watch",
+                                         "barcode scan", "barcode edit", "barcode edit replace", "barcode edit insert",
+                                         "barcode edit delete", "barcode symbology", "barcode symbology list",
+                                         "barcode symbology enable", "barcode symbology disable", "barcode trigger",
+                                         "barcode firmware"));
+
+TEST(Arguments, AreTakenInUtf8) {
+    const ChildResult result = Qlctl("barcode symbology enable \xE2\x82\xAC\xCE\xA9");
+    EXPECT_TRUE(Contains(result.err, ": \xE2\x82\xAC\xCE\xA9")) << result.err;
+}
 
 TEST(Version, IsPrinted) {
     const ChildResult result = Qlctl("--version");
