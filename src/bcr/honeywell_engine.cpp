@@ -30,6 +30,8 @@ constexpr std::uint32_t kMenuCommandTimeout = 1500;
 constexpr std::size_t kSymbologyIdSize = 5;
 // No code holds anything near it.
 constexpr std::uintptr_t kLongestScan = 0x1000000;
+// How far behind the length of its event a scan's terminator is looked for.
+constexpr std::uintptr_t kFurthestTerminator = 0x10000;
 
 }  // namespace
 
@@ -158,12 +160,26 @@ ReceivedScan HoneywellEngine::TakeScan(const TextSettings& settings, std::uintpt
     Require(data != nullptr && length <= kLongestScan && share_.system.IsReadable(data, length + 1),
             QLERR_INTERNAL_ERROR, "Invalid barcode data");
     const char* const text = static_cast<const char*>(data);
-    ReceivedScan scan{HoneywellText({text, strnlen(text, length)}, settings), {}};
+    ReceivedScan scan{HoneywellText({text, TextLength(text, length)}, settings), {}};
     const char* const symbologyId = text + length + 1;
     if (share_.system.IsReadable(symbologyId, kSymbologyIdSize) && *symbologyId == ']') {
         scan.symbologyId.assign(symbologyId, kSymbologyIdSize);
     }
     return scan;
+}
+
+// The text ends at its terminator, and the length is for finding the identifier; without one it ends there after all.
+std::uintptr_t HoneywellEngine::TextLength(const char* text, std::uintptr_t length) const {
+    const std::uintptr_t told = strnlen(text, length + 1);
+    if (told <= length) {
+        return told;
+    }
+    for (std::uintptr_t i = told; i < told + kFurthestTerminator && share_.system.IsReadable(text + i, 1); ++i) {
+        if (text[i] == '\0') {
+            return i;
+        }
+    }
+    return length;
 }
 
 bool HoneywellEngine::SetDecoding(bool on) {

@@ -43,6 +43,7 @@ class HoneywellEngine final : public BarcodeEngine {
     void RegisterForEvents();
     std::optional<EngineAddress> AskForDevice(std::uint32_t number);
     void TakeScannerFromEmulator();
+    std::uintptr_t TextLength(const char* text, std::uintptr_t length) const;
     // The status; the last one is left as it was.
     EngineStatus SendMenuCommand(std::string_view command);
 

@@ -52,6 +52,10 @@ void operator delete[](void* block, std::size_t) noexcept {
     std::free(block);
 }
 
+long quarlin::test::AllocationsSoFar() {
+    return allocations;
+}
+
 namespace quarlin::test {
 namespace {
 
