@@ -4,18 +4,48 @@
 
 # What the simulated machine is made of, as build targets.
 # shellcheck disable=SC2034
-readonly machine_libraries=(serialui qlsim_wbem qlsim_hidbus qlsim_hid HwProbeLib camlamp_x64)
+readonly machine_libraries=(serialui qlsim_wbem qlsim_hidbus qlsim_hid HwProbeLib camlamp_x64 ISDC_RS ISDC_HID HEDC_RS)
+
+# How many of them are up.
+machine_count=1
+
+# on_machines COMMAND...: runs a command for each machine at the same time, and fails when one of them fails.
+on_machines() {
+    local number status=0
+    local -a jobs=()
+    for ((number = 1; number <= machine_count; number++)); do
+        CTEST_RESOURCE_GROUP_0_MACHINES=id:$number,slots:1 "$@" &
+        jobs+=($!)
+    done
+    for number in "${jobs[@]}"; do
+        wait "$number" || status=1
+    done
+    return $status
+}
 
 machine_up() {
     at_exit machine_down_quietly
-    step "Starting the simulated machine" sim/machine/up
+    step "Starting the simulated machine" on_machines sim/machine/up
+}
+
+# machines_up COUNT: several, which ctest hands out to tests that cannot share one.
+machines_up() {
+    machine_count=$1
+    machine_up
+}
+
+# What ctest has to know for that: a slot on each.
+describe_machines() {
+    local ids
+    ids=$(seq -s '"}, {"id": "' "$machine_count")
+    printf '{"version": {"major": 1, "minor": 0}, "local": [{"machines": [{"id": "%s"}]}]}\n' "$ids"
 }
 
 machine_down_quietly() {
-    sim/machine/down >/dev/null 2>&1
+    on_machines sim/machine/down >/dev/null 2>&1
 }
 
 machine_down() {
     forget_at_exit machine_down_quietly
-    step "Stopping the simulated machine" sim/machine/down
+    step "Stopping the simulated machine" on_machines sim/machine/down
 }

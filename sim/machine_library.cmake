@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
 
-# quarlin_machine_library(NAME SOURCE function...): NAME.dll, a stand-in for a library that is loaded by name and whose
+# quarlin_machine_library(NAME SOURCES function...): NAME.dll, a stand-in for a library that is loaded by name and whose
 # functions are looked for one by one; and for each function the same library without it, in the folder
 # without/FUNCTION beside it. A program that wants such a one names its folder with SetDllDirectory.
-function(quarlin_machine_library name source)
-    add_library(${name}_objects OBJECT ${source})
+function(quarlin_machine_library name sources)
+    add_library(${name}_objects OBJECT ${sources})
     target_link_libraries(${name}_objects PUBLIC sim_shared PRIVATE sim_lean)
 
     quarlin_machine_library_file(${name} ${name} ${QUARLIN_SIM_DIR} ${ARGN})

@@ -29,6 +29,7 @@ inline constexpr std::uint32_t kCatchUp = ControlCode(0x804);
 
 inline constexpr std::uint32_t kMaxInstance = 64;
 inline constexpr std::uint32_t kMaxDescriptor = 4096;
+inline constexpr std::uint32_t kMaxCollection = 99;
 // With the report ID.
 inline constexpr std::uint32_t kMaxReport = 4097;
 
@@ -37,6 +38,8 @@ struct PlugRequest {
     std::uint16_t product;
     std::uint16_t version;
     std::uint16_t descriptorLength;
+    // 0: the device has one collection at the top, which has no number.
+    std::uint16_t collection;
     // Ends with a zero unless it fills the field; empty: made up.
     char instance[kMaxInstance];
 };

@@ -20,6 +20,9 @@ struct HidIdentity {
     // The part of the interface path that tells equal devices apart, such as "6&2f9a1b0c&0&0000"; empty: the bus makes
     // one up, another one for each socket.
     std::string instance;
+    // Of a device that has several collections at the top, each of which the system shows as a device of its own: which
+    // of them this one is, 1 to 99. It comes into the path behind the product, as "&col02". 0: there is one only.
+    std::uint16_t collection = 0;
 };
 
 enum class HidAnswer {

@@ -59,10 +59,14 @@ std::vector<std::uint8_t> PlugMessage(const HidIdentity& identity) {
     if (identity.instance.size() > bus::kMaxInstance) {
         throw HidBusError("HID bus: the instance is too long");
     }
+    if (identity.collection > bus::kMaxCollection) {
+        throw HidBusError("HID bus: the number of the collection is too high");
+    }
     bus::PlugRequest request = {};
     request.vendor = identity.vendor;
     request.product = identity.product;
     request.version = identity.version;
+    request.collection = identity.collection;
     request.descriptorLength = static_cast<std::uint16_t>(identity.reportDescriptor.size());
     std::memcpy(request.instance, identity.instance.data(), identity.instance.size());
     std::vector<std::uint8_t> message(sizeof(request) + identity.reportDescriptor.size());

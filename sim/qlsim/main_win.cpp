@@ -8,6 +8,7 @@
 #include "core/simulation.h"
 #include "edge/arguments_win.h"
 #include "edge/command_pipe_win.h"
+#include "edge/computer_parts_win.h"
 #include "edge/console_stop_win.h"
 #include "edge/machine_record_win.h"
 #include "edge/serial_port_win.h"
@@ -81,6 +82,7 @@ int Play(Arguments& arguments, Scenario scenario) {
     arguments.options.makePort = MakeSerialPort;
     arguments.options.makeHidSocket = MakeHidSocket;
     arguments.options.machineRecords = MachineRecords();
+    arguments.options.computer = PartsOfThisComputer();
     Simulation simulation(std::move(scenario), arguments.options, log);
     const ConsoleStop consoleStop([&simulation] { simulation.RequestEnd(); });
     try {

@@ -7,6 +7,18 @@
 
 namespace quarlin::sim {
 
+// The name of something that programs share, for one set of programs among several: with "-" and the environment
+// variable QLSIM_INSTANCE behind it, unless that is not set or empty. A test that sets it has the machine's libraries
+// for itself.
+class InstanceName {
+  public:
+    explicit InstanceName(const wchar_t* name);
+    const wchar_t* Text() const { return text_; }
+
+  private:
+    wchar_t text_[MAX_PATH];
+};
+
 class SharedSection {
   public:
     using Fill = void (*)(void* record);
@@ -16,15 +28,18 @@ class SharedSection {
     SharedSection& operator=(const SharedSection&) = delete;
     ~SharedSection() { Close(); }
 
-    // Does nothing when it is open. False when the system refuses; GetLastError says why.
+    // Under its InstanceName. Does nothing when it is open. False when the system refuses; GetLastError says why.
     bool Open(const wchar_t* name, SIZE_T size, Fill fillWithDefaults);
     void Close();
+    // For what programs read and write without being alone; null when it is not open.
+    void* Record() const { return record_; }
 
     // The record, alone among all programs until Unlock; null when nobody let it go within ten seconds.
     void* Lock();
     void Unlock();
 
   private:
+    SRWLOCK opening_ = SRWLOCK_INIT;  // a library's first calls may come from several threads
     HANDLE mutex_ = nullptr;
     HANDLE section_ = nullptr;
     void* record_ = nullptr;
@@ -39,6 +54,8 @@ class SharedState {
                              [](void* record) { static_cast<State*>(record)->SetDefaults(); });
     }
     void Close() { section_.Close(); }
+    // The record for fields that need no lock, opened when it is not open yet; null when it is not to be had.
+    State* Unlocked() { return Open() ? static_cast<State*>(section_.Record()) : nullptr; }
 
     // Opens the record when it is not open yet, and holds it to the end of the scope.
     class Access {

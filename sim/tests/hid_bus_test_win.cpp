@@ -112,6 +112,24 @@ TEST_F(HidBus, MakesUpAnInstanceForEachSocketAndKeepsIt) {
     EXPECT_EQ(OurPaths(), two);
 }
 
+TEST_F(HidBus, ShowsEachCollectionAsADeviceOfItsOwn) {
+    HidIdentity first = plain;
+    first.collection = 1;
+    HidIdentity second = plain;
+    second.collection = 99;
+    ScriptedDevice other;
+    const std::unique_ptr<HidSocket> otherSocket = MakeHidSocket();
+    socket->Plug(first, device);
+    otherSocket->Plug(second, other);
+    EXPECT_EQ(CountPresent("vid_51a1&pid_0001&col01#"), 1u);
+    EXPECT_EQ(CountPresent("vid_51a1&pid_0001&col99#"), 1u);
+    EXPECT_FALSE(IsPresent(plain));
+    EXPECT_EQ(HidProgram(second).SetFeature(MakeReport(0, 25, 1)), 0u);
+    socket->Unplug();
+    EXPECT_FALSE(IsPresent(first));
+    EXPECT_TRUE(IsPresent(second));
+}
+
 TEST_F(HidBus, TakesAnotherDeviceIntoTheSameSocket) {
     socket->Plug(plain, device);
     socket->Unplug();
@@ -177,6 +195,7 @@ const BadIdentity kBadIdentities[] = {
          identity.reportDescriptor.insert(identity.reportDescriptor.begin(), 5000, std::uint8_t{0x00});
      }},
     {"SlashInInstance", [](HidIdentity& identity) { identity.instance = "6&a\\b"; }},
+    {"TooHighCollection", [](HidIdentity& identity) { identity.collection = 100; }},
     {"TooLongInstance", [](HidIdentity& identity) { identity.instance.assign(65, 'a'); }},
 };
 

@@ -63,9 +63,13 @@ std::vector<std::string> PresentPaths() {
 }
 
 std::string PathOf(const HidIdentity& identity) {
+    char collection[16] = "";
+    if (identity.collection != 0) {
+        std::snprintf(collection, sizeof(collection), "&col%02u", unsigned{identity.collection});
+    }
     char path[200];
-    std::snprintf(path, sizeof(path), R"(\\?\hid#vid_%04x&pid_%04x#%s#{4d1e55b2-f16f-11cf-88cb-001111000030})",
-                  identity.vendor, identity.product, identity.instance.c_str());
+    std::snprintf(path, sizeof(path), R"(\\?\hid#vid_%04x&pid_%04x%s#%s#{4d1e55b2-f16f-11cf-88cb-001111000030})",
+                  identity.vendor, identity.product, collection, identity.instance.c_str());
     return path;
 }
 

@@ -28,11 +28,24 @@ class Text {
         }
         return *this;
     }
+    // The way of Windows for a device that has several collections at the top: each is a device of its own.
+    Text& Collection(USHORT number) {
+        if (number != 0) {
+            *this << L"&COL";
+            *end_++ = static_cast<WCHAR>(L'0' + number / 10);
+            *end_++ = static_cast<WCHAR>(L'0' + number % 10);
+        }
+        return *this;
+    }
     void End() { *end_++ = 0; }
 
   private:
     WCHAR* end_;
 };
+
+Text& WriteName(Text& text, const Device& device) {
+    return (text << L"QLSIMHID\\VID_" << device.vendor << L"&PID_" << device.product).Collection(device.collection);
+}
 
 NTSTATUS QueryId(const Device& device, IRP* irp, BUS_QUERY_ID_TYPE type) {
     // The longest are the two hardware identifiers and the instance.
@@ -43,13 +56,13 @@ NTSTATUS QueryId(const Device& device, IRP* irp, BUS_QUERY_ID_TYPE type) {
     Text text(id);
     switch (type) {
         case BusQueryDeviceID:
-            text << L"QLSIMHID\\VID_" << device.vendor << L"&PID_" << device.product;
+            WriteName(text, device);
             break;
         case BusQueryInstanceID:
             text << device.instance;
             break;
         case BusQueryHardwareIDs:
-            text << L"QLSIMHID\\VID_" << device.vendor << L"&PID_" << device.product;
+            WriteName(text, device);
             text.End();
             text << L"QLSIMHID\\DEVICE";
             text.End();
@@ -147,6 +160,11 @@ NTSTATUS GetReportDescriptor(const Device& device, IRP* irp, ULONG room) {
 }
 
 }  // namespace
+
+bool HaveOneName(const Device& a, const Device& b) {
+    return a.vendor == b.vendor && a.product == b.product && a.collection == b.collection &&
+           _wcsnicmp(a.instance, b.instance, kMaxInstance) == 0;
+}
 
 bool CanBeRemoved(const Device& device) {
     return device.stage == Stage::kEnumerated || device.stage == Stage::kReady;

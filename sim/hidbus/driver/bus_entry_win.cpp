@@ -22,14 +22,10 @@ Device* DeviceOf(LIST_ENTRY* entry) {
     return static_cast<Device*>(entry);
 }
 
-bool SamePlace(const Device& a, const Device& b) {
-    return a.vendor == b.vendor && a.product == b.product && _wcsnicmp(a.instance, b.instance, kMaxInstance) == 0;
-}
-
 // A device waits until one that had the same name before has gone.
 bool MustWait(Device& device) {
     for (LIST_ENTRY* e = theBus.devices.Flink; e != &device; e = e->Flink) {
-        if (SamePlace(*DeviceOf(e), device)) {
+        if (HaveOneName(*DeviceOf(e), device)) {
             return true;
         }
     }

@@ -72,8 +72,7 @@ Socket* SocketOf(IRP* irp) {
 bool IsTaken(const Device& wanted) {
     for (LIST_ENTRY* e = theBus.devices.Flink; e != &theBus.devices; e = e->Flink) {
         const Device& device = *DeviceOf(e);
-        if (!device.leaving && device.vendor == wanted.vendor && device.product == wanted.product &&
-            _wcsnicmp(device.instance, wanted.instance, kMaxInstance) == 0) {
+        if (!device.leaving && HaveOneName(device, wanted)) {
             return true;
         }
     }
@@ -86,12 +85,14 @@ NTSTATUS Fill(Device& device, const Socket& socket, const UCHAR* in, ULONG lengt
         return STATUS_INVALID_PARAMETER;
     }
     RtlCopyMemory(&request, in, sizeof(request));
-    if (request.descriptorLength != length - sizeof(request) || request.descriptorLength > kMaxDescriptor) {
+    if (request.descriptorLength != length - sizeof(request) || request.descriptorLength > kMaxDescriptor ||
+        request.collection > kMaxCollection) {
         return STATUS_INVALID_PARAMETER;
     }
     device.vendor = request.vendor;
     device.product = request.product;
     device.version = request.version;
+    device.collection = request.collection;
     device.descriptorLength = request.descriptorLength;
     RtlCopyMemory(device.descriptor, in + sizeof(request), request.descriptorLength);
     if (!device.layout.Parse(device.descriptor, device.descriptorLength)) {

@@ -57,6 +57,7 @@ struct Device : Extension, LIST_ENTRY {
     USHORT vendor;
     USHORT product;
     USHORT version;
+    USHORT collection;
     WCHAR instance[kMaxInstance + 1];
     ReportLayout layout;
     USHORT descriptorLength;
@@ -94,6 +95,8 @@ void Reconsider();
 
 // With the lock held: whether plug and play may take the device from the bus.
 bool CanBeRemoved(const Device& device);
+// Whether the two would have the same path.
+bool HaveOneName(const Device& a, const Device& b);
 // With the lock held. What it takes out fails with "not connected".
 void BeginLeaving(Device& device, Finished& failed);
 // Both are to be called for requests to a device, and complete them or keep them.

@@ -17,6 +17,7 @@
 #include "core/pace.h"
 #include "hidbus/hid_device.h"
 #include "machine_libraries/machine_record.h"
+#include "scanner/computer_parts.h"
 
 namespace quarlin::sim {
 
@@ -64,6 +65,7 @@ struct Surroundings {
     PortMaker makePort;
     HidSocketMaker makeHidSocket;
     MachineRecordMakers machineRecords;
+    ComputerParts computer;
     std::function<void()> finished;  // called once when the device reaches the end of the scenario
 };
 

@@ -5,6 +5,9 @@
 #include "machine_libraries/light_plan.h"
 #include "machine_libraries/probe_plan.h"
 #include "magnesafe/reader_plan.h"
+#include "scanner/computer_plan.h"
+#include "scanner/emulator_plan.h"
+#include "scanner/scanner_plan.h"
 #include "uhf/uhf_plan.h"
 
 namespace quarlin::sim {
@@ -17,6 +20,10 @@ const std::vector<DeviceKind>& DeviceKinds() {
         {"rfid-reader", "a UHF RFID reader on the HID bus with tags in its field", ReadUhfPlan},
         {"probe", "the library that tells about built-in devices and batteries", ReadProbePlan},
         {"camera-light", "the camera light and its timer", ReadLightPlan},
+        {"intermec-scanner", "an Intermec barcode engine and its library", scanner::ReadIntermecPlan},
+        {"honeywell-scanner", "a Honeywell barcode engine and its library", scanner::ReadHoneywellPlan},
+        {"emulator", "the program that has the Honeywell engine for itself", scanner::ReadEmulatorPlan},
+        {"computer", "what the computer says it is", scanner::ReadComputerPlan},
     };
     return kinds;
 }

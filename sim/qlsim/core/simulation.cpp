@@ -44,6 +44,7 @@ void Simulation::Start() {
         surroundings.makePort = options_.makePort;
         surroundings.makeHidSocket = options_.makeHidSocket;
         surroundings.machineRecords = options_.machineRecords;
+        surroundings.computer = options_.computer;
         surroundings.finished = [this] {
             const std::lock_guard hold(lock_);
             changed_.notify_all();

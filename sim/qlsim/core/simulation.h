@@ -19,6 +19,7 @@ struct SimulationOptions {
     PortMaker makePort;
     HidSocketMaker makeHidSocket;
     MachineRecordMakers machineRecords;
+    ComputerParts computer;
 };
 
 // The devices of one scenario, at work.

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "core/device.h"
+#include "edge/handle_win.h"
 #include "shared/shared_section_win.h"
 
 namespace quarlin::sim {
@@ -13,7 +14,10 @@ template <typename State>
 class SectionRecord final : public MachineRecord<State> {
   public:
     SectionRecord() {
-        if (!section_.Open()) {
+        if constexpr (kScans) {
+            scan_ = OwnedHandle(CreateEventW(nullptr, FALSE, FALSE, InstanceName(State::kScanEvent).Text()));
+        }
+        if (!section_.Open() || (kScans && !scan_)) {
             throw DeviceError("the machine library's shared memory cannot be opened, error " +
                               std::to_string(GetLastError()));
         }
@@ -27,8 +31,16 @@ class SectionRecord final : public MachineRecord<State> {
         use(*state);
     }
     std::uint64_t Milliseconds() const override { return GetTickCount64(); }
+    void AnnounceScan() override {
+        if (scan_) {
+            SetEvent(scan_.get());
+        }
+    }
 
   private:
+    static constexpr bool kScans = requires { State::kScanEvent; };
+
+    OwnedHandle scan_;
     SharedState<State> section_;
 };
 
@@ -40,7 +52,7 @@ std::unique_ptr<MachineRecord<State>> Open() {
 }  // namespace
 
 MachineRecordMakers MachineRecords() {
-    return {Open<ProbeState>, Open<LightState>};
+    return {Open<ProbeState>, Open<LightState>, Open<IntermecState>, Open<HoneywellState>};
 }
 
 }  // namespace quarlin::sim

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "core/command_table.h"
+#include "core/escape.h"
 
 namespace quarlin::sim {
 namespace {
@@ -59,32 +60,10 @@ void ParseText(const Words& words, GpsCommand& command) {
     }
 }
 
-int HexDigit(char c) {
-    constexpr std::string_view kLower = "0123456789abcdef";
-    const std::size_t value = kLower.find(c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c);
-    return value == std::string_view::npos ? -1 : static_cast<int>(value);
-}
-
-// \r \n \\ and \x with two hexadecimal digits.
 void ParseBytes(const Words& words, GpsCommand& command) {
     GpsCommand escaped;
     ParseText(words, escaped);
-    const std::string& text = escaped.text;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\') {
-            command.text += text[i];
-            continue;
-        }
-        const char kind = i + 1 < text.size() ? text[++i] : '\0';
-        if (kind == 'x' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 && HexDigit(text[i + 2]) >= 0) {
-            command.text += static_cast<char>(HexDigit(text[i + 1]) * 16 + HexDigit(text[i + 2]));
-            i += 2;
-        } else if (kind == 'r' || kind == 'n' || kind == '\\') {
-            command.text += kind == 'r' ? '\r' : kind == 'n' ? '\n' : '\\';
-        } else {
-            throw CommandError("after a backslash come r, n, a second backslash, or x and two hexadecimal digits");
-        }
-    }
+    command.text = Unescape(escaped.text);
 }
 
 struct Row {

@@ -8,6 +8,8 @@
 
 #include "camera_light/light_state.h"
 #include "probe/probe_state.h"
+#include "scanner/honeywell_state.h"
+#include "scanner/intermec_state.h"
 
 namespace quarlin::sim {
 
@@ -21,6 +23,8 @@ class MachineRecord {
     virtual void Use(const std::function<void(State&)>& use) = 0;
     // The machine's clock, as the libraries read it.
     virtual std::uint64_t Milliseconds() const = 0;
+    // Tells the library that a scan waits for it (State::kScanEvent); nothing for a library that knows no scans.
+    virtual void AnnounceScan() = 0;
 };
 
 template <typename State>
@@ -29,13 +33,20 @@ using MachineRecordMaker = std::function<std::unique_ptr<MachineRecord<State>>()
 struct MachineRecordMakers {
     MachineRecordMaker<ProbeState> probe;
     MachineRecordMaker<LightState> light;
+    MachineRecordMaker<IntermecState> intermec;
+    MachineRecordMaker<HoneywellState> honeywell;
 
     template <typename State>
     const MachineRecordMaker<State>& Of() const {
         if constexpr (std::is_same_v<State, ProbeState>) {
             return probe;
-        } else {
+        } else if constexpr (std::is_same_v<State, LightState>) {
             return light;
+        } else if constexpr (std::is_same_v<State, IntermecState>) {
+            return intermec;
+        } else {
+            static_assert(std::is_same_v<State, HoneywellState>);
+            return honeywell;
         }
     }
 };
