@@ -29,11 +29,19 @@
  * Scans arrive on a thread of the library, one after the other, and the callback runs without the lock: it may take
  * its time and may call the library. What it may not call are QLBCR_Disable and QLBCR_Uninitialize
  * (QLERR_INVALID_STATE, "The call is not allowed inside the callback."). A scan is delivered with the settings that
- * were in force when it was taken up.
+ * were in force when it was taken up. A callback that runs a message loop of its own, a message box for one, may be
+ * called again inside it.
  *
  * QLBCR_Disable does not wait for a callback in progress: one that has begun, or is about to, may still run when it has
  * returned. QLBCR_Uninitialize waits: what a callback uses can be freed after it. Let a callback wait for no thread
- * that may be in QLBCR_Uninitialize.
+ * that may be in QLBCR_Uninitialize, or in QLBCR_Initialize, QLBCR_SelectDevice or QLBCR_GetBarcodeDevices, which take
+ * turns with it; sending a message to a window of such a thread is waiting, too. While QLBCR_Uninitialize waits, those
+ * three fail inside the callback with QLERR_INVALID_STATE, "The device is not initialized".
+ *
+ * An engine on a serial line whose port is not known shows a dialogue in QLBCR_Enable. While it does, calls of the same
+ * thread that would change the state or make the list fail as if inside the callback.
+ *
+ * Making the list for the first time uses the functions of device.h: no other thread may be using them meanwhile.
  *
  * While initialised, a thread of the library keeps the DLL loaded: call QLBCR_Uninitialize before FreeLibrary.
  */
@@ -211,11 +219,12 @@ QL_IMPORT QLerr QLBCR_Uninitialize(void);
 
 /**
  * Connects the engine: scans arrive from now on. What the engine had read before is dropped. Tries nine times, half a
- * second apart. When the 2-D barcode emulator program runs, a Honeywell scanner is asked of it first, for up to 5 s.
+ * second apart. When the 2-D barcode emulator program runs, a Honeywell scanner is asked of it before each try, for up
+ * to 5 s; an emulator that refuses, hands nothing over or does not answer ends the call at once.
  * @return QLERR_OK; QLERR_INVALID_STATE, "The device is not initialized" or "The device is already enabled";
  *         QLERR_INTERNAL_ERROR: "Unable to connect barcode.", and for Intermec engines "Unable to register barcode
- * event messages." or "Error setting up barcode connection.". After a failure the state is 1, and enabling can be tried
- * again.
+ *         event messages." or "Error setting up barcode connection.". After a failure the state is 1, and enabling can
+ *         be tried again.
  */
 QL_IMPORT QLerr QLBCR_Enable(void);
 

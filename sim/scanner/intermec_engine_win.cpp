@@ -98,7 +98,7 @@ void IntermecEngine::Take(IntermecState& record, const ScanSlot& scan) {
 
 void IntermecEngine::Deliver(IntermecState& record, const ScanSlot& scan) {
     Take(record, scan);
-    HWND const window = window_;
+    const auto window = window_.load();
     if ((scan.flags & kScanSilent) != 0 || window == nullptr) {
         return;
     }

@@ -21,6 +21,20 @@ std::int32_t OnEvent(std::uint32_t eventType, std::uint32_t, std::uint32_t, void
     return 0;
 }
 
+// Has a value in a variable for a scope.
+template <typename Variable, typename Value>
+class ScopedValue {
+  public:
+    ScopedValue(Variable& variable, Value value) : variable_(variable), before_(variable) { variable_ = value; }
+    ScopedValue(const ScopedValue&) = delete;
+    ScopedValue& operator=(const ScopedValue&) = delete;
+    ~ScopedValue() { variable_ = before_; }
+
+  private:
+    Variable& variable_;
+    Value before_;
+};
+
 }  // namespace
 
 BarcodeFamily barcodeFamily;
@@ -66,7 +80,7 @@ void BarcodeFamily::Select(int index) {
 }
 
 void BarcodeFamily::InitializeEngine(ScannerDevice& device) {
-    if (listener_.IsRunning() || device.info.index < 0) {
+    if (listener_.IsRunning() || device.IsInitialized() || device.info.index < 0) {
         return;
     }
     device.scanning = false;
@@ -108,9 +122,11 @@ void BarcodeFamily::Uninitialize() {
 void BarcodeFamily::Enable() {
     ScannerDevice& device = InitializedDevice();
     Require(device.state != DeviceState::kEnabled, QLERR_INVALID_STATE, "The device is already enabled");
+    const ScopedValue enabling(enabling_, GetCurrentThreadId());
     device.engine->Connect(listener_.Window());
     // A scan that is announced meanwhile waits for the engines: it is not one of those that are dropped.
     const EngineHold hold(system_.engines);
+    listener_.BeginConnection();
     device.state = DeviceState::kEnabled;
     receiving_ = &device;
     device.engine->DropPendingScans();
@@ -182,7 +198,7 @@ bool BarcodeFamily::OnIntermecFrame(WPARAM code) {
 
 void BarcodeFamily::OnRawData(WPARAM length, LPARAM data) {
     ScannerDevice* const device = receiving_;
-    if (device != nullptr && device->IsHoneywell()) {
+    if (device != nullptr && device->IsHoneywell() && listener_.IsConnectionCurrent()) {
         // NOLINTNEXTLINE(performance-no-int-to-ptr): what messages carry
         Deliver(*device, length, reinterpret_cast<const void*>(data));
     }
@@ -192,6 +208,7 @@ void BarcodeFamily::Deliver(ScannerDevice& device, std::uintptr_t length, const 
     const std::shared_ptr<const DeliverySettings> settings = device.settings.load();
     ReceivedScan scan;
     {
+        const ScopedValue busy(isListenerBusy_, true);
         const EngineHold hold(system_.engines);
         if (receiving_ != &device) {
             return;
@@ -200,6 +217,7 @@ void BarcodeFamily::Deliver(ScannerDevice& device, std::uintptr_t length, const 
     }
     DeliverScan(device.info, scan, *settings, system_.sound);
     // One scan for each start. Another thread may have disabled the device meanwhile.
+    const ScopedValue busy(isListenerBusy_, true);
     const EngineHold hold(system_.engines);
     if (receiving_ == &device && device.scanning.exchange(false)) {
         device.engine->SetDecoding(false);
@@ -211,15 +229,32 @@ void BarcodeFamily::OnEmulatorNotice() {
     if (device == nullptr || !device->IsHoneywell()) {
         return;
     }
-    void* const window = system_.emulator.Window();
-    if (window == nullptr || device->state != DeviceState::kEnabled ||
-        system_.emulator.ConnectState(window) != kTakenByEmulator) {
+    if (isListenerBusy_) {
+        // In the middle of an engine's call, and with the engines held: later. In the middle of the question below it
+        // is answered already.
+        if (!isAskingEmulator_) {
+            listener_.PostNotice();
+        }
         return;
     }
+    const WPARAM connection = listener_.Connection();
+    if (!HasEmulatorTaken(*device)) {
+        return;
+    }
+    const ScopedValue busy(isListenerBusy_, true);
     // Not before: whoever has the lock may be waiting for the emulator.
     const CSmartCriticalWrapper held(lock_);
-    Require(device->state == DeviceState::kEnabled, QLERR_INVALID_STATE, "Not connected.");
+    Require(device->state == DeviceState::kEnabled && connection == listener_.Connection(), QLERR_INVALID_STATE,
+            "Not connected.");
     LetGo(*device);
+}
+
+bool BarcodeFamily::HasEmulatorTaken(const ScannerDevice& device) {
+    const ScopedValue busy(isListenerBusy_, true);
+    const ScopedValue asking(isAskingEmulator_, true);
+    void* const window = system_.emulator.Window();
+    return window != nullptr && device.state == DeviceState::kEnabled &&
+           system_.emulator.ConnectState(window) == kTakenByEmulator;
 }
 
 }  // namespace quarlin::bcr

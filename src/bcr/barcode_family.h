@@ -32,6 +32,8 @@ class BarcodeFamily final : private ListenerEvents {
     const std::atomic<bool>& IsEnding() const { return ending_; }
     // Whether the calling thread delivers a scan.
     bool IsInCallback() const { return listener_.IsCurrentThread(); }
+    // Whether the calling thread is inside Enable: an engine's dialogue runs the thread's other windows as well.
+    bool IsInEnable() const { return enabling_ == GetCurrentThreadId(); }
 
     // With the turn.
     void ListDevices(QLBCR_DEVICE_INFO* devices, int& count);
@@ -65,6 +67,7 @@ class BarcodeFamily final : private ListenerEvents {
     std::span<const std::unique_ptr<ScannerDevice>> MakeList();
     void InitializeEngine(ScannerDevice& device);
     void LetGo(ScannerDevice& device);
+    bool HasEmulatorTaken(const ScannerDevice& device);
     void Deliver(ScannerDevice& device, std::uintptr_t length, const void* data);
 
     CSmartCritical lock_;
@@ -77,6 +80,10 @@ class BarcodeFamily final : private ListenerEvents {
     std::atomic<ScannerDevice*> current_ = nullptr;
     // The device whose scans are delivered; changed with the lock and the engines held.
     std::atomic<ScannerDevice*> receiving_ = nullptr;
+    std::atomic<DWORD> enabling_ = 0;
+    // The listener thread is in a call of an engine or of the emulator, which may hand it messages of other programs.
+    bool isListenerBusy_ = false;
+    bool isAskingEmulator_ = false;
     ListenerWindow listener_;
 };
 

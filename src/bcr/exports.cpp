@@ -22,6 +22,18 @@ QLerr ExportBarcode(Body&& body) noexcept {
     return ExportLocked(barcodeFamily.Lock(), std::forward<Body>(body));
 }
 
+constexpr const char* kNotInsideCallback = "The call is not allowed inside the callback.";
+
+// The thread is in a message loop of an engine's dialogue, and one of its windows calls in.
+void RequireOutsideEnable() {
+    Require(!barcodeFamily.IsInEnable(), QLERR_INVALID_STATE, kNotInsideCallback);
+}
+
+void RequireOutsideCallback() {
+    Require(!barcodeFamily.IsInCallback(), QLERR_INVALID_STATE, kNotInsideCallback);
+    RequireOutsideEnable();
+}
+
 // The turn, for functions that make or free the device list, or start or end an engine.
 class Turn {
   public:
@@ -35,10 +47,16 @@ class Turn {
     }
 
     // In a callback that somebody waits for who has the turn, there is none, and soon no device either.
-    void RequireTaken() const { Require(isTaken_, QLERR_INVALID_STATE, "The device is not initialized"); }
+    void RequireTaken() const {
+        RequireOutsideEnable();
+        Require(isTaken_, QLERR_INVALID_STATE, "The device is not initialized");
+    }
 
   private:
     static bool Take() {
+        if (barcodeFamily.IsInEnable()) {
+            return false;
+        }
         if (barcodeFamily.IsInCallback()) {
             return barcodeFamily.Turn().EnterUnless(barcodeFamily.IsEnding());
         }
@@ -74,10 +92,6 @@ QLerr ExportInTurn(Body&& body) noexcept {
 
 void RequirePointer(const void* pointer, const char* message) {
     Require(pointer != nullptr, QLERR_INVALID_ARGUMENT, message);
-}
-
-void RequireOutsideCallback() {
-    Require(!barcodeFamily.IsInCallback(), QLERR_INVALID_STATE, "The call is not allowed inside the callback.");
 }
 
 constexpr const char* kEnabledNull = "pEnable cannot be NULL";
@@ -143,7 +157,10 @@ QLerr QLBCR_Uninitialize() {
 }
 
 QLerr QLBCR_Enable() {
-    return ExportBarcode([] { barcodeFamily.Enable(); });
+    return ExportBarcode([] {
+        RequireOutsideEnable();
+        barcodeFamily.Enable();
+    });
 }
 
 QLerr QLBCR_Disable() {

@@ -140,8 +140,12 @@ void HoneywellEngine::TakeScannerFromEmulator() {
     void* const window = emulator_.Window();
     if (window != nullptr && emulator_.AskForScanner(window) == 0) {
         for (int poll = 0; poll < kEmulatorPolls; ++poll) {
-            if (emulator_.ConnectState(window) == kHandedOver) {
+            const std::optional<std::intptr_t> state = emulator_.ConnectState(window);
+            if (state == kHandedOver) {
                 return;
+            }
+            if (!state) {
+                break;
             }
             share_.system.Pause(kBetweenTries);
         }
@@ -157,12 +161,16 @@ void HoneywellEngine::Disconnect() {
 
 ReceivedScan HoneywellEngine::TakeScan(const TextSettings& settings, std::uintptr_t length, const void* data) {
     // Any program can post the event's message, with any length and address.
-    Require(data != nullptr && length <= kLongestScan && share_.system.IsReadable(data, length + 1),
-            QLERR_INTERNAL_ERROR, "Invalid barcode data");
+    const auto isReadable = [&](std::uintptr_t size) {
+        return data != nullptr && length <= kLongestScan && share_.system.IsReadable(data, size);
+    };
+    // Asking takes as long as all the rest, and nearly every scan has both text and identifier: one question for both.
+    const bool reachesIdentifier = isReadable(length + 1 + kSymbologyIdSize);
+    Require(reachesIdentifier || isReadable(length + 1), QLERR_INTERNAL_ERROR, "Invalid barcode data");
     const char* const text = static_cast<const char*>(data);
     ReceivedScan scan{HoneywellText({text, TextLength(text, length)}, settings), {}};
     const char* const symbologyId = text + length + 1;
-    if (share_.system.IsReadable(symbologyId, kSymbologyIdSize) && *symbologyId == ']') {
+    if (reachesIdentifier && *symbologyId == ']') {
         scan.symbologyId.assign(symbologyId, kSymbologyIdSize);
     }
     return scan;

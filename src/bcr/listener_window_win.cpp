@@ -15,6 +15,11 @@ constexpr const wchar_t* kTitle = L"Barcode Message Listener Window";
 constexpr const char* kNoClass = "Invalid Windows message window setup.";
 constexpr const char* kNoWindow = "Unable to create Windows message receiving window.";
 
+constexpr DWORD kBetweenCloses = 100;
+
+// Posted by ourselves, to our own window.
+constexpr UINT kConnectionBegins = WM_APP;
+
 HINSTANCE Module() {
     return static_cast<HINSTANCE>(ModuleHandle());
 }
@@ -75,14 +80,29 @@ void ListenerWindow::Start() {
 
 void ListenerWindow::Stop() {
     stopping_ = true;
-    if (const auto window = window_.load()) {
-        PostMessageW(window, WM_CLOSE, 0, 0);
-    }
     // Not for the thread's end: what is left of it keeps the library loaded by itself.
     while (phase_ == Phase::kAlive) {
-        WaitForSingleObject(changed_, INFINITE);
+        // Again and again: there may have been no room for the message, or a callback's message loop may have eaten it.
+        if (const auto window = window_.load()) {
+            PostMessageW(window, WM_CLOSE, 0, 0);
+        }
+        WaitForSingleObject(changed_, kBetweenCloses);
     }
     thread_.Forget();
+}
+
+void ListenerWindow::BeginConnection() {
+    // Without room for the message there is nothing to wait for either.
+    const WPARAM next = connection_ + 1;
+    if (PostMessageW(window_, kConnectionBegins, next, 0)) {
+        connection_ = next;
+    } else {
+        passedConnection_ = connection_.load();
+    }
+}
+
+void ListenerWindow::PostNotice() const {
+    PostMessageW(window_, windowMessages.emulatorOnConnectState, 0, 0);
 }
 
 void ListenerWindow::Run() {
@@ -108,13 +128,12 @@ void ListenerWindow::Serve() {
     phase_ = Phase::kAlive;
     SetEvent(changed_);
     MSG message;
-    // A callback with a message loop of its own may have seen the window's end in our place.
-    while (window_ != nullptr && GetMessageW(&message, nullptr, 0, 0) > 0) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-    if (const auto window = window_.load()) {
-        DestroyWindow(window);
+    // The window's end alone counts: a request to quit may be a callback's, and its message loop may have seen ours.
+    while (window_ != nullptr) {
+        if (GetMessageW(&message, nullptr, 0, 0) > 0) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
     }
 }
 
@@ -149,6 +168,9 @@ LRESULT ListenerWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM 
         return 0;
     } else if (message == windowMessages.emulatorOnConnectState) {
         events_.OnEmulatorNotice();
+    } else if (message == kConnectionBegins) {
+        passedConnection_ = wParam;
+        return 0;
     } else if (message == WM_CLOSE) {
         // Whoever else closes windows must not take this one away.
         if (!stopping_) {

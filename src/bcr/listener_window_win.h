@@ -36,6 +36,15 @@ class ListenerWindow {
     // Returns when the window is gone. What is being delivered ends first.
     void Stop();
 
+    // Events that are posted from now on are told from those before, which may still lie in the window's queue.
+    void BeginConnection();
+    WPARAM Connection() const { return connection_; }
+    // On the window's thread: whether what is being handled belongs to the latest connection.
+    bool IsConnectionCurrent() const { return passedConnection_ == connection_; }
+
+    // Has the emulator's notice handled once more, when its turn comes.
+    void PostNotice() const;
+
     bool IsRunning() const { return phase_ == Phase::kAlive; }
     // Null when it does not run.
     HWND Window() const { return window_; }
@@ -63,6 +72,8 @@ class ListenerWindow {
     std::atomic<HWND> window_ = nullptr;
     std::atomic<DWORD> threadId_ = 0;
     std::atomic<bool> stopping_ = false;
+    std::atomic<WPARAM> connection_ = 0;
+    std::atomic<WPARAM> passedConnection_ = 0;
 };
 
 }  // namespace quarlin::bcr

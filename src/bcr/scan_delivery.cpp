@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bcr/scan_delivery.h"
 
+#include <limits>
+
 namespace quarlin::bcr {
 
 void DeliverScan(const QLBCR_DEVICE_INFO& device, const ReceivedScan& scan, const DeliverySettings& settings,
                  ReadSound& sound) {
-    if (scan.text.empty()) {
+    // A text of two gigabytes comes of an edit rule that went wrong; no record can tell its length.
+    if (scan.text.empty() || scan.text.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
         return;
     }
     if (settings.soundEnabled) {

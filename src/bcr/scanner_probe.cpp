@@ -58,6 +58,18 @@ std::optional<Finding> Look(BarcodeEngineKind kind, AttachedDevices& attached, H
     return finding;
 }
 
+// Ends what a search has started, however it ends.
+class StartedForSearch {
+  public:
+    explicit StartedForSearch(HoneywellEngine& honeywell) : honeywell_(honeywell) {}
+    StartedForSearch(const StartedForSearch&) = delete;
+    StartedForSearch& operator=(const StartedForSearch&) = delete;
+    ~StartedForSearch() { honeywell_.ShutDown(); }
+
+  private:
+    HoneywellEngine& honeywell_;
+};
+
 }  // namespace
 
 bool FindScanner(BarcodeEngineKind& kind, EngineAddress& address, AttachedDevices& attached, HoneywellEngine& honeywell,
@@ -65,11 +77,11 @@ bool FindScanner(BarcodeEngineKind& kind, EngineAddress& address, AttachedDevice
     if (kind == BarcodeEngineKind::kIntermecBuiltIn) {
         return true;
     }
+    const StartedForSearch started(honeywell);
     std::optional<Finding> finding;
     for (int round = 1; !(finding = Look(kind, attached, honeywell)) && round < kRounds; ++round) {
         system.Pause(kBetweenRounds);
     }
-    honeywell.ShutDown();
     if (!finding) {
         return false;
     }

@@ -42,6 +42,21 @@ ScannerHardware AvailableScanner() {
     return IsAvailable(kBuiltInIntermec) ? ScannerHardware::kIntermecBuiltIn : ScannerHardware::kNone;
 }
 
+// Ends what Initialize of the device family began.
+class DeviceCheckUse {
+  public:
+    DeviceCheckUse() = default;
+    DeviceCheckUse(const DeviceCheckUse&) = delete;
+    DeviceCheckUse& operator=(const DeviceCheckUse&) = delete;
+    ~DeviceCheckUse() {
+        try {
+            device::deviceFamily.Uninitialize();
+        } catch (...) {
+            // It is ended all the same; what the library says of its end is nobody's business here.
+        }
+    }
+};
+
 }  // namespace
 
 void WindowsEngineSystem::Pause(std::uint32_t milliseconds) {
@@ -83,9 +98,8 @@ ScannerHardware ThisMachine::Hardware() {
         // Without the device-check library no scanner is reported.
         return ScannerHardware::kNone;
     }
-    const ScannerHardware hardware = AvailableScanner();
-    device::deviceFamily.Uninitialize();
-    return hardware;
+    const DeviceCheckUse use;
+    return AvailableScanner();
 }
 
 void WaveSound::Play(const std::wstring& file) {

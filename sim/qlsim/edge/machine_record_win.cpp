@@ -31,6 +31,10 @@ class SectionRecord final : public MachineRecord<State> {
         use(*state);
     }
     std::uint64_t Milliseconds() const override { return GetTickCount64(); }
+    bool IsRunning(std::uint32_t process) const override {
+        const OwnedHandle handle(OpenProcess(SYNCHRONIZE, FALSE, process));
+        return handle && WaitForSingleObject(handle.get(), 0) == WAIT_TIMEOUT;
+    }
     void AnnounceScan() override {
         if (scan_) {
             SetEvent(scan_.get());

@@ -23,6 +23,8 @@ class MachineRecord {
     virtual void Use(const std::function<void(State&)>& use) = 0;
     // The machine's clock, as the libraries read it.
     virtual std::uint64_t Milliseconds() const = 0;
+    // Whether a program that has put itself into the record still runs; one that was killed takes nothing back.
+    virtual bool IsRunning(std::uint32_t process) const = 0;
     // Tells the library that a scan waits for it (State::kScanEvent); nothing for a library that knows no scans.
     virtual void AnnounceScan() = 0;
 };

@@ -160,7 +160,7 @@ class EngineBehaviour final : public Behaviour {
         if (!engine_.IsPlugged(state)) {
             return "the engine is unplugged";
         }
-        if (state.connected == 0) {
+        if (state.connected == 0 || !record_->IsRunning(state.connected)) {
             return "no program is connected to the engine";
         }
         if (!engine_.IsDecoding(state) && !engine_.HasTrigger(state)) {

@@ -14,6 +14,7 @@ struct MemoryMachine {
     std::unique_ptr<IntermecState> intermec = std::make_unique<IntermecState>();
     std::unique_ptr<HoneywellState> honeywell = std::make_unique<HoneywellState>();
     int announcedScans = 0;
+    std::uint32_t endedProcess = 0;
     std::uint64_t clock = 5000000;  // milliseconds
 
     MemoryMachine() {
@@ -32,6 +33,7 @@ class MemoryRecord final : public MachineRecord<State> {
 
     void Use(const std::function<void(State&)>& use) override { use(state_); }
     std::uint64_t Milliseconds() const override { return machine_.clock; }
+    bool IsRunning(std::uint32_t process) const override { return process != machine_.endedProcess; }
     void AnnounceScan() override { ++machine_.announcedScans; }
 
   private:

@@ -51,6 +51,15 @@ TEST_F(ScannerEngine, NobodyReadsWithoutAProgram) {
     EXPECT_EQ(Status("scanner")["read"], 0);
 }
 
+TEST_F(ScannerEngine, NobodyReadsWhenTheProgramWasKilled) {
+    Play(kHoneywell);
+    Honeywell().connected = 42;
+    machine_.endedProcess = 42;
+    EXPECT_EQ("error scanner: not read: no program is connected to the engine", Do("scanner scan 1"));
+    Honeywell().connected = 43;
+    EXPECT_EQ("ok read 1 bytes, Code128 ]C0", Do("scanner scan 1"));
+}
+
 TEST_F(ScannerEngine, AnUnpluggedEngineReadsNothing) {
     Play(kIntermec);
     Intermec().connected = 42;

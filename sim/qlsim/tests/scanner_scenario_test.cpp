@@ -222,11 +222,10 @@ TEST_P(WithoutAComputer, ADeviceCannotBegin) {
     EXPECT_THROW(play(), DeviceError);
 }
 
+constexpr const char* kKindNames[] = {"Intermec", "Honeywell", "Emulator", "Computer"};
+
 INSTANTIATE_TEST_SUITE_P(Kinds, WithoutAComputer, ::testing::Values(kIntermec, kHoneywell, kEmulator, kComputer),
-                         [](const auto& kind) {
-                             constexpr const char* kNames[] = {"Intermec", "Honeywell", "Emulator", "Computer"};
-                             return kNames[kind.index];
-                         });
+                         [](const auto& kind) { return kKindNames[kind.index]; });
 
 struct Refused {
     const char* line;
