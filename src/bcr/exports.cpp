@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bcr/barcode_family.h"
+#include "bcr/barcode_family_win.h"
 #include "bcr/settings_change.h"
 #include "bcr/symbology_table.h"
 #include "core/export_frame.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bcr/barcode_family.h"
+#include "bcr/barcode_family_win.h"
 #include "bcr/window_messages_win.h"
 #include "core/library_state.h"
 #include "msr/card_reader_family.h"

@@ -107,6 +107,15 @@ TEST_F(HoneywellEngineTest, AnEmulatorThatRefusesOrIsStuckOrHasNoWindowEndsTheAt
                                   "ask emulator"}));
 }
 
+TEST_F(HoneywellEngineTest, AnEmulatorThatDoesNotAnswerAPollEndsTheAttemptAtOnce) {
+    emulator_.running = true;
+    emulator_.hasWindow = true;
+    emulator_.states = {1};
+    EXPECT_EQ(FailureOfConnect(), "Unable to connect barcode.");
+    EXPECT_EQ(TakeCalls(),
+              (Calls{"SetPathName COM4 4", "ask emulator", "poll emulator", "pause 500", "poll emulator"}));
+}
+
 TEST_F(HoneywellEngineTest, TheFirstDeviceThatAnswersIsTaken) {
     listedDevices = {"COM1", "COM2", "COM3"};
     engine.statuses["GetDeviceFromList"] = {5, 0};

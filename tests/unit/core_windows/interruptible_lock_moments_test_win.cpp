@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The moments at which a notice of the manager's lock could get lost.
-#include "lock_worker_win.h"
 #include "core/interruptible_lock_win.h"
+#include "lock_worker_win.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The lock between swipes and the calls that end them: what it promises to those who wait for it.
-#include "lock_worker_win.h"
 #include "core/interruptible_lock_win.h"
+#include "lock_worker_win.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bcr/barcode_family.h"
+#include "bcr/barcode_family_win.h"
 
 #include "bcr/settings_change.h"
 #include "bcr/window_messages_win.h"
@@ -207,19 +207,21 @@ void BarcodeFamily::OnRawData(WPARAM length, LPARAM data) {
 void BarcodeFamily::Deliver(ScannerDevice& device, std::uintptr_t length, const void* data) {
     const std::shared_ptr<const DeliverySettings> settings = device.settings.load();
     ReceivedScan scan;
+    WPARAM connection = 0;
     {
         const ScopedValue busy(isListenerBusy_, true);
         const EngineHold hold(system_.engines);
         if (receiving_ != &device) {
             return;
         }
+        connection = listener_.Connection();
         scan = device.engine->TakeScan(settings->text, length, data);
     }
     DeliverScan(device.info, scan, *settings, system_.sound);
-    // One scan for each start. Another thread may have disabled the device meanwhile.
+    // One scan for each start. Another thread may have disabled the device meanwhile, and have begun anew.
     const ScopedValue busy(isListenerBusy_, true);
     const EngineHold hold(system_.engines);
-    if (receiving_ == &device && device.scanning.exchange(false)) {
+    if (receiving_ == &device && connection == listener_.Connection() && device.scanning.exchange(false)) {
         device.engine->SetDecoding(false);
     }
 }
