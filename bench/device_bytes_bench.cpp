@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the logic makes of a device's bytes, beside copying them once: a swipe report into its record, and an RFID
-// reader's reply into a tag.
+// What the logic makes of a device's bytes, beside copying them once: a swipe report into its record, an RFID reader's
+// reply into a tag, and a scanner engine's record into the text for the application.
 //
-//   device_bytes_bench                        prints JSON: the medians of interleaved repetitions
-//   device_bytes_bench --passes N swipe|reply does the one N times and nothing else, for counting instructions
+//   device_bytes_bench                             prints JSON: the medians of interleaved repetitions
+//   device_bytes_bench --passes N swipe|reply|scan does the one N times and nothing else, for counting instructions
+#include "bcr/extended_data.h"
+#include "bcr/scan_text.h"
 #include "measure.h"
 #include "msr/swipe_report.h"
+#include "scanner/scan_bytes.h"
 #include "uhfrfid/tag_reader.h"
 
 #include <array>
@@ -109,6 +112,40 @@ class ReplyBytes {
     std::array<std::uint8_t, kReplySize> copy_{};
 };
 
+class ScanBytes {
+  public:
+    ScanBytes() {
+        constexpr std::size_t kTextSize = 200;
+        const std::string text(kTextSize, '7');
+        sim::IntermecFields fields;
+        fields.data = text;
+        record_ = sim::IntermecRecord(fields);
+        copy_.resize(record_.size());
+    }
+
+    void Copy(int passes) {
+        for (int pass = 0; pass < passes; ++pass) {
+            Touched(record_);
+            std::memcpy(copy_.data(), record_.data(), copy_.size());
+            Touched(copy_);
+        }
+    }
+
+    void Work(int passes) {
+        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(record_.data());
+        for (int pass = 0; pass < passes; ++pass) {
+            Touched(record_);
+            const std::string text = bcr::IntermecText(bcr::SplitExtendedData({bytes, record_.size()}), settings_);
+            sink = static_cast<int>(text.size());
+        }
+    }
+
+  private:
+    const bcr::TextSettings settings_;
+    std::string record_;
+    std::string copy_;
+};
+
 template <typename Bytes>
 void Time(const char* name) {
     Bytes bytes;
@@ -128,7 +165,7 @@ void Time(const char* name) {
 }
 
 int Usage() {
-    std::cerr << "usage: device_bytes_bench [--passes N swipe|reply]\n";
+    std::cerr << "usage: device_bytes_bench [--passes N swipe|reply|scan]\n";
     return 2;
 }
 
@@ -137,6 +174,8 @@ int Count(int passes, const std::string& what) {
         SwipeBytes().Work(passes);
     } else if (what == "reply") {
         ReplyBytes().Work(passes);
+    } else if (what == "scan") {
+        ScanBytes().Work(passes);
     } else {
         return Usage();
     }
@@ -156,6 +195,8 @@ int main(int argc, char** argv) try {
     Time<SwipeBytes>("swipe");
     std::cout << ", ";
     Time<ReplyBytes>("reply");
+    std::cout << ", ";
+    Time<ScanBytes>("scan");
     std::cout << "}\n";
     return 0;
 } catch (const std::exception& failure) {

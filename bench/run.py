@@ -4,7 +4,7 @@
 
 usage: run.py [--native BUILD_FOLDER] [--windows BUILD_FOLDER] [--output FILE] [--only NAME] [--many N]
 
-NAME is one of parser, bytes, getters, card, rfid.
+NAME is one of parser, bytes, editing, getters, card, rfid, barcode.
 """
 import argparse
 import datetime
@@ -21,7 +21,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 # Instructions are counted over the difference of two run lengths, so that start-up and reading the corpus cancel out.
 PASSES = (1, 5)
 BYTES_PASSES = (100, 1100)
-# Swipes and exchanges in a row.
+EDITING_PASSES = (20, 120)
+# Swipes, exchanges and scans in a row.
 MANY = 100_000
 
 
@@ -91,22 +92,51 @@ def measure_bytes(native, work):
     return result
 
 
+def measure_editing(native, work):
+    bench = need(native / "bench" / "editing_bench")
+    note("Editing, natively ...")
+    result = json.loads(output_of([bench])[0])
+    note("Editing, counting instructions ...")
+    for name, sizes in result.items():
+        for size, facts in sizes.items():
+            facts["instructions"] = instructions_per_pass(bench, *EDITING_PASSES, [name, size], work)
+    return result
+
+
 def on_machine(windows, name, *arguments):
     bench = need(windows / "bench" / name)
     note(f"{name}, on the simulated machine ...")
     return json.loads(output_of([ROOT / "sim" / "machine" / "run", bench, *arguments])[0])
 
 
-def shown(value, form, unit=""):
-    return f"{value:{form}}{unit}" if value is not None else "(no valgrind)"
+def shown(value, form):
+    return f"{value:{form}}" if value is not None else "(no valgrind)"
 
 
 def bytes_rows(measured):
     for name, facts in measured.items():
-        title = {"swipe": "swipe into its record", "reply": "reply into a tag"}[name]
+        title = {
+            "swipe": "swipe into its record",
+            "reply": "reply into a tag",
+            "scan": "scanner's record into a text",
+        }[name]
         yield title, f"{facts['ns']:.1f} ns", ""
         yield "  instructions", shown(facts["instructions"], ".0f"), ""
         yield "  / copying its bytes once", f"{facts['multiple_of_copy']:.1f}", ""
+
+
+def editing_rows(measured):
+    for name, sizes in measured.items():
+        facts = sizes.values()
+        what, *how = name.split("-")
+        title = ", ".join(filter(None, (what, " ".join(how))))
+        yield f"{title}: {', '.join(sizes)} B", ", ".join(f"{fact['ns']:.0f}" for fact in facts) + " ns", ""
+        yield "  instructions", ", ".join(shown(fact["instructions"], ".0f") for fact in facts), ""
+        yield "  / copying the text", ", ".join(f"{fact['multiple_of_copy']:.1f}" for fact in facts), ""
+        # The same for every byte: counted where that is possible, because time is noisy.
+        cost = "ns" if any(fact["instructions"] is None for fact in facts) else "instructions"
+        *_, middle, large = (fact[cost] / int(size) for size, fact in sizes.items())
+        yield "  a byte, large / middle size", f"{large / middle:.2f}", "linear: about 1 or less"
 
 
 def card_rows(card):
@@ -124,11 +154,23 @@ def rfid_rows(rfid):
     yield from long_run_rows(rfid, "exchanges", 0, rfid["wrong_answers"])
 
 
+def barcode_rows(measured):
+    for engine, facts in measured.items():
+        yield f"{engine.capitalize()} engine: bare message", f"{facts['bare_post_us']:.1f} us", ""
+        yield "  scan to the callback", f"{facts['callback_us']:.1f} us", ""
+        yield "  callback / bare message", f"{facts['multiple_of_bare_post']:.3f}", "<= 1.15"
+        yield from long_run_rows(facts, "scans", facts["scans"] - facts["arrived"], facts["out_of_order"])
+        yield "  one after the other", f"{facts['us_per_scan']:.1f} us", ""
+
+
 def long_run_rows(run, what, missing, wrong):
     yield f"{what} in a row", f"{run[what]}", ""
     yield "  lost, wrong or doubled", f"{missing}, {wrong}", "0, 0"
     yield "  handles before, after", f"{run['handles_before']}, {run['handles_after']}", "equal"
     yield "  working set before, after", f"{run['working_set_kb_before']}, {run['working_set_kb_after']} KB", "flat"
+
+
+ROWS = {"bytes": bytes_rows, "editing": editing_rows, "card": card_rows, "rfid": rfid_rows, "barcode": barcode_rows}
 
 
 def table(results):
@@ -151,14 +193,28 @@ def table(results):
             ("C, a critical section", f"{getters['critical_section_ns']:.2f} ns", ""),
             ("QLGPS_GetSpeed / (P + C)", f"{getters['multiple_of_call_and_lock']:.2f}", "<= 1.5"),
         ]
-    for name, rows_of in (("bytes", bytes_rows), ("card", card_rows), ("rfid", rfid_rows)):
+    for name, rows_of in ROWS.items():
         if name in results:
             rows += rows_of(results[name])
-    lines = [f"{'':<32}{'measured':>18}   goal"]
-    lines += [f"{name:<32}{value:>18}   {goal}".rstrip() for name, value, goal in rows]
+    lines = [f"{'':<34}{'measured':>22}   goal"]
+    lines += [f"{name:<34}{value:>22}   {goal}".rstrip() for name, value, goal in rows]
     if "parser" in results:
         lines.append(f"corpus: {results['parser']['sentences']} sentences, {results['parser']['corpus']}")
     return "\n".join(lines)
+
+
+MEASUREMENTS = {
+    "parser": lambda given: measure_parser(given.native, given.output.parent),
+    "bytes": lambda given: measure_bytes(given.native, given.output.parent),
+    "editing": lambda given: measure_editing(given.native, given.output.parent),
+    "getters": lambda given: on_machine(given.windows, "getter_call_bench.exe"),
+    "card": lambda given: on_machine(given.windows, "card_swipe_bench.exe", given.many),
+    "rfid": lambda given: on_machine(given.windows, "rfid_exchange_bench.exe", given.many),
+    "barcode": lambda given: {
+        engine: on_machine(given.windows, "barcode_scan_bench.exe", engine, given.many)
+        for engine in ("intermec", "honeywell")
+    },
+}
 
 
 def main():
@@ -166,8 +222,8 @@ def main():
     parser.add_argument("--native", type=pathlib.Path, default=ROOT / "build" / "native-release")
     parser.add_argument("--windows", type=pathlib.Path, default=ROOT / "build" / "windows")
     parser.add_argument("--output", type=pathlib.Path, default=ROOT / "build" / "bench" / "results.json")
-    parser.add_argument("--only", choices=("parser", "bytes", "getters", "card", "rfid"))
-    parser.add_argument("--many", type=int, default=MANY, help="swipes and exchanges in a row")
+    parser.add_argument("--only", choices=tuple(MEASUREMENTS))
+    parser.add_argument("--many", type=int, default=MANY, help="swipes, exchanges and scans in a row")
     arguments = parser.parse_args()
 
     arguments.output.parent.mkdir(parents=True, exist_ok=True)
@@ -175,17 +231,9 @@ def main():
         "when": datetime.datetime.now(datetime.timezone.utc).isoformat(timespec="seconds"),
         "machine": {"system": platform.platform(), "processors": os.cpu_count()},
     }
-    work = arguments.output.parent
-    measurements = {
-        "parser": lambda: measure_parser(arguments.native, work),
-        "bytes": lambda: measure_bytes(arguments.native, work),
-        "getters": lambda: on_machine(arguments.windows, "getter_call_bench.exe"),
-        "card": lambda: on_machine(arguments.windows, "card_swipe_bench.exe", arguments.many),
-        "rfid": lambda: on_machine(arguments.windows, "rfid_exchange_bench.exe", arguments.many),
-    }
-    for name, measure in measurements.items():
+    for name, measure in MEASUREMENTS.items():
         if arguments.only in (None, name):
-            results[name] = measure()
+            results[name] = measure(arguments)
     arguments.output.write_text(json.dumps(results, indent=2) + "\n", encoding="utf-8")
     print(table(results))
     print(f"written: {arguments.output}")

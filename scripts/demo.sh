@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: Apache-2.0
-# ./dev demo: a scripted minute on the simulated machine. What is shown is in demo_acts.sh, how it is shown in here.
+# ./dev demo: a scripted good minute on the simulated machine. What is shown is in demo_acts.sh, how it is shown in here.
 
 readonly demo_scenario=sim/scenarios/demo.toml
 readonly demo_pipe=quarlin-demo
@@ -12,6 +12,9 @@ demo_act=
 demo_act_number=0
 demo_act_count=
 demo_shown_at=$EPOCHREALTIME
+# An application that goes on while the show does: its process, and what it says.
+demo_application=
+demo_said=
 
 on_machine() {
     sim/machine/run "$@" </dev/null 9>&-
@@ -91,8 +94,14 @@ pause() {
     let_time_pass "$left"
 }
 
+# What a shell reads otherwise stands in quotes, as a reader would type it. One text alone is shown as it is.
 announce() {
-    printf '%s$ %s%s\n' "$bold" "$*" "$plain"
+    local word line=$1
+    for word in "${@:2}"; do
+        [[ $word == "&" || $word != *[!A-Za-z0-9_./:=,+-]* ]] || word="'$word'"
+        line+=" $word"
+    done
+    printf '%s$ %s%s\n' "$bold" "$line" "$plain"
 }
 
 # What programs say, without the ends of line of another system.
@@ -125,9 +134,47 @@ note() {
     "$@" >"$demo_record/$name.json" || die "that failed: $*"
 }
 
+has_ended() {
+    ! kill -0 "$1" 2>/dev/null
+}
+
+# start COMMAND...: starts an application that waits for something; follow shows what it says.
+start() {
+    announce "$@" "&"
+    mkfifo "$demo_record/said.fifo"
+    "$@" >"$demo_record/said.fifo" 2>&1 &
+    demo_application=$!
+    exec {demo_said}<"$demo_record/said.fifo"
+    rm "$demo_record/said.fifo"
+}
+
+# follow BEGINNING: shows what the application says, up to the line that begins like this.
+follow() {
+    local line
+    while IFS= read -r -t 30 -u "$demo_said" line; do
+        printf '%s\n' "$line" | hand_on
+        demo_shown_at=$EPOCHREALTIME
+        [[ $line != "$1"* ]] || return 0
+    done
+    die "the application did not say what it should: $1"
+}
+
+# finish STATUS: shows what the application has left to say; it has to end with this status.
+finish() {
+    local line status=0
+    while IFS= read -r -t 30 -u "$demo_said" line; do
+        printf '%s\n' "$line" | hand_on
+        demo_shown_at=$EPOCHREALTIME
+    done
+    exec {demo_said}<&-
+    await "the end of the application" has_ended "$demo_application"
+    wait "$demo_application" || status=$?
+    [[ $status == "$1" ]] || die "the application ended with status $status and not with $1"
+}
+
 introduce() {
     printf '\n%s\n' "A portable computer with all of its devices, simulated. qlctl is an application on it, which knows the devices
-through qlsdk.dll alone; qlsim-ctl is the hand that swipes a card and pulls a plug. They stand for
+through qlsdk.dll alone; qlsim-ctl is the hand that swipes a card, holds up a code and pulls a plug. They stand for
 
   qlctl       sim/machine/run build/windows/bin/qlctl.exe
   qlsim-ctl   sim/machine/run build/windows/sim/qlsim-ctl.exe --pipe $demo_pipe

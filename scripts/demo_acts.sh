@@ -8,10 +8,11 @@ readonly gps_port=7
 
 # demo_acts SECONDS: all of it; the last act lasts so long, or until Ctrl-C.
 demo_acts() {
-    demo_act_count=5
+    demo_act_count=6
     act_devices
     act_light
     act_cards
+    act_scanners
     act_rfid
     act_gps "$1"
 }
@@ -76,57 +77,15 @@ noter_has_begun() {
     [[ -s $demo_record/swipes.log ]] || has_ended "$cards_noter"
 }
 
-# watch_cards: an application that waits for swipes; a second one takes the same swipes down for the summary.
-watch_cards() {
-    qlctl card watch --json >"$demo_record/swipes.json" 2>"$demo_record/swipes.log" &
-    cards_noter=$!
-    await "the second application that waits for swipes" noter_has_begun
-    mkfifo "$demo_record/cards.fifo"
-    qlctl card watch >"$demo_record/cards.fifo" 2>&1 &
-    cards_watcher=$!
-    exec {watching_cards}<"$demo_record/cards.fifo"
-    rm "$demo_record/cards.fifo"
-    # Its first line says that it waits, or why not.
-    follow_cards "qlctl:"
-}
-
-# follow_cards BEGINNING: shows what the waiting application says, up to the line that begins like this.
-follow_cards() {
-    local line
-    while IFS= read -r -t 30 -u "$watching_cards" line; do
-        printf '%s\n' "$line" | hand_on
-        demo_shown_at=$EPOCHREALTIME
-        [[ $line != "$1"* ]] || return 0
-    done
-    die "the application that waits for swipes did not say what it should: $1"
-}
-
 # swipe CARD FORM: a swipe, and what the application makes of it. Track 3 is the last that it tells of.
 swipe() {
     show 0 qlsim-ctl reader swipe "$@"
-    follow_cards "  Track 3"
+    follow "  Track 3"
     pause 2
 }
 
-has_ended() {
-    ! kill -0 "$1" 2>/dev/null
-}
-
-# What is left to say when the reader has gone, and how both applications ended.
-end_of_cards() {
-    local line status=0
-    while IFS= read -r -t 30 -u "$watching_cards" line; do
-        printf '%s\n' "$line" | hand_on
-    done
-    exec {watching_cards}<&-
-    await "the end of the application that waited for swipes" has_ended "$cards_watcher"
-    wait "$cards_watcher" || status=$?
-    [[ $status == 7 ]] || die "the application ended with status $status and not with 7 when its reader had gone"
-    await "the end of the second application that waited for swipes" has_ended "$cards_noter"
-}
-
 act_cards() {
-    local watching_cards cards_noter cards_watcher
+    local cards_noter
     act cards "the card reader"
     say "A keyboard and a PIN pad hang on the same bus. One device on it is a card reader:"
     show 0 qlctl card list
@@ -134,8 +93,13 @@ act_cards() {
     pause 2
 
     say "An application waits for cards. It masks account numbers unless it is told to show them:"
-    announce "qlctl card watch &"
-    watch_cards
+    # A second one takes the same swipes down for the summary.
+    qlctl card watch --json >"$demo_record/swipes.json" 2>"$demo_record/swipes.log" &
+    cards_noter=$!
+    await "the second application that waits for swipes" noter_has_begun
+    start qlctl card watch
+    # Its first line says that it waits, or why not.
+    follow "qlctl:"
     say "A bank card, sent in clear, as readers without a key do:"
     swipe visa clear
     say "The same card, encrypted by the reader: the application gets cipher bytes, and masked tracks to show:"
@@ -144,13 +108,69 @@ act_cards() {
     swipe scratched clear
     say "Somebody pulls the plug while the application waits, which notices it and ends:"
     show 0 qlsim-ctl reader unplug
-    end_of_cards
+    finish 7
+    await "the end of the second application that waited for swipes" has_ended "$cards_noter"
     pause 1
     say "And puts it back:"
     show 0 qlsim-ctl reader plug
     show 0 qlctl card list
     note readers-after qlctl card list --json
     pause 1
+}
+
+# hold_up SCANNER TEXT SYMBOLOGY [EDITED]: a code before the engine, and for the summary what the application has to
+# get: the text, or the edited text.
+hold_up() {
+    show 0 qlsim-ctl "$1" scan "$2" "$3"
+    printf '%s\t%s\t%s\t%s\n' "$1" "$3" "$2" "${4:-$2}" >>"$demo_record/codes.txt"
+}
+
+act_scanners() {
+    local isbn=978-3-16-148410-0
+    act scanners "the barcode scanners"
+    say "This computer has an Intermec engine built in:"
+    show 0 qlctl barcode list
+    start qlctl barcode watch --count 3
+    follow "qlctl:"
+    hold_up intermec 4006381333931 EAN_13
+    follow "  Bytes"
+    pause 1
+    hold_up intermec https://example.com/parcel/7 QR
+    follow "  Bytes"
+    pause 1
+    hold_up intermec RACK-0042 Code39
+    finish 0
+    note scanner-intermec qlctl barcode firmware --json
+    pause 1.5
+
+    say "A rule on trial, which takes the hyphens out of a number: the same code is read without it and with it:"
+    start qlctl barcode edit delete -
+    follow "qlctl: hold a code"
+    hold_up intermec "$isbn" Code128
+    follow "qlctl: hold the same"
+    hold_up intermec "$isbn" Code128 "${isbn//-/}"
+    finish 0
+    pause 1.5
+
+    say "The same application on another computer, which has a Honeywell engine:"
+    show 0 qlsim-ctl probe device 1 available off
+    show 0 qlsim-ctl probe device 15 available on
+    show 0 qlctl barcode list
+    say "Somebody does not want it to read PDF417, and GS1 codes shall have a bar between their fields:"
+    show 0 qlctl barcode symbology disable PDF417
+    start qlctl barcode watch --count 2 --replace '\x1D=|'
+    follow "qlctl:"
+    hold_up honeywell '10A7\x1D37144' EAN_128 '10A7|37144'
+    follow "  Bytes"
+    pause 1
+    show 1 qlsim-ctl honeywell scan PALLET-0007 PDF417
+    hold_up honeywell CARTON-0001 DataMatrix
+    finish 0
+    note scanner-honeywell qlctl barcode firmware --json
+    pause 1.5
+    # The first computer again, for all that follows.
+    qlsim-ctl probe device 1 available on >/dev/null
+    qlsim-ctl probe device 15 available off >/dev/null
 }
 
 act_rfid() {

@@ -12,6 +12,7 @@ import sys
 import textwrap
 import tomllib
 
+from demo_codes import bytes_of, codes_not_read, held_codes, read_codes, shown_codes
 from demo_patrol import degrees, metres, readings_of, way
 from demo_record import Record, Story, counted, listing
 
@@ -125,6 +126,50 @@ def cards(record):
     return story
 
 
+def scanners(record):
+    story = Story("Barcode scanners")
+    engines = {name: record.device(name) for name in ("intermec", "honeywell")}
+    told = {name: record.answer(f"scanner-{name}") for name in engines}
+    held = held_codes(record.shown("codes"))
+    shown = record.shown("scanners")
+    read, refused, seen = read_codes(shown), codes_not_read(shown), shown_codes(shown)
+    for name, engine in engines.items():
+        of_engine = [code for code in held if code.scanner == name]
+        story.expect(
+            told[name]["firmware"] == engine["firmware"] and told[name]["scanner"].lower().startswith(name),
+            f"the {name} engine is told to be {told[name]['scanner']}, {told[name]['firmware']}",
+        )
+        story.expect(of_engine and engine["read"] == len(of_engine), f"the {name} engine read {engine['read']} codes")
+        story.expect(
+            engine["missed"] == sum(scanner == name for scanner, _ in refused), f"the {name} engine missed codes"
+        )
+        story.expect(engine["connected"] == 0, f"the {name} engine was not given back")
+    story.expect(len(held) == len(read) == len(seen), "scans were lost or doubled")
+    for code, engine_read, delivered in zip(held, read, seen):
+        story.expect(
+            (engine_read.symbology, engine_read.length) == (code.symbology, len(bytes_of(code.text))),
+            f"{code.text} was read otherwise",
+        )
+        story.expect(
+            (delivered.identifier, delivered.text, delivered.data)
+            == (engine_read.identifier, code.edited, bytes_of(code.edited)),
+            f"{code.text} came as {delivered.text} ({delivered.identifier})",
+        )
+    edits = [f"{code.text} became {code.edited}" for code in held if code.edited != code.text]
+    story.expect(edits, "no rule was at work")
+    story.expect(refused, "the symbology that was disabled was read")
+
+    def reading(name):
+        kinds = listing(dict.fromkeys(code.symbology for code in held if code.scanner == name))
+        return f"{engines[name]['firmware']} read {counted(engines[name]['read'], 'code')} ({kinds})"
+
+    story.simulated = f"{listing(map(reading, engines))}; not read: {listing(reason for _, reason in refused)}"
+    story.seen = (
+        f"{counted(len(seen), 'scan')} from {listing(answer['scanner'] for answer in told.values())}; {listing(edits)}"
+    )
+    return story
+
+
 def letters(data):
     return bytes.fromhex(data).decode("latin-1").rstrip("\0")
 
@@ -198,7 +243,7 @@ def show(label, source, text):
 
 def summarise(scenario, folder):
     record = Record(scenario, folder)
-    stories = [tell(record) for tell in (devices, batteries, light, cards, rfid, patrol)]
+    stories = [tell(record) for tell in (devices, batteries, light, cards, scanners, rfid, patrol)]
     print("\nWhat was simulated, and what an application saw of it through qlsdk.dll:\n")
     for story in stories:
         show(story.title, "simulated", story.simulated)

@@ -34,10 +34,11 @@ machines_up() {
     machine_up
 }
 
-# What ctest has to know for that: a slot on each.
+# What ctest has to know for that: one slot on each but the first, where all the other tests run. Wine 8's server crashes
+# now and then when a HID device comes or goes while another program is at a serial port; what runs there hangs then.
 describe_machines() {
     local ids
-    ids=$(seq -s '"}, {"id": "' "$machine_count")
+    ids=$(seq -s '"}, {"id": "' 2 "$machine_count")
     printf '{"version": {"major": 1, "minor": 0}, "local": [{"machines": [{"id": "%s"}]}]}\n' "$ids"
 }
 

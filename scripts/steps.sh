@@ -151,6 +151,41 @@ step() {
     fi
 }
 
+# begin_beside COMMAND...: what only computes, begun while later steps mostly wait; it has what they leave of the
+# processors. One at a time. `step NAME finish_beside` waits for its end, has its output and fails when it failed.
+begin_beside() {
+    readonly beside=$PWD/build/log/beside
+    mkdir -p build/log
+    rm -f "$beside.status"
+    # A process group of its own, so that it can be ended with all that it started.
+    set -m
+    (
+        set +e
+        renice -n 19 "$BASHPID" >/dev/null
+        (
+            set -e
+            "$@"
+        ) >"$beside.log" 2>&1
+        echo $? >"$beside.status"
+    ) 9>&- &
+    beside_group=$!
+    set +m
+    at_exit end_beside
+}
+
+finish_beside() {
+    while [[ ! -e $beside.status ]] && kill -0 "$beside_group" 2>/dev/null; do
+        sleep 0.2
+    done
+    cat "$beside.log"
+    [[ -e $beside.status ]] || return 1
+    return "$(<"$beside.status")"
+}
+
+end_beside() {
+    [[ -e $beside.status ]] || kill -- "-$beside_group" 2>/dev/null
+}
+
 # One run of this script at a time in one checkout: runs share the build folders and the simulated machine.
 take_turn() {
     mkdir -p build

@@ -2,6 +2,10 @@
 # SPDX-License-Identifier: Apache-2.0
 # ./dev test: what continuous integration runs.
 
+# One for most tests, and three for those with devices: all programs of a machine see its devices, so that such a test has
+# one for itself. A machine takes little but memory.
+readonly test_machines=4
+
 declare -a test_lines=()
 tests_ran=0
 
@@ -14,10 +18,17 @@ passed_cases() {
 # own: the system tests of the release build run on it.
 run_tests() {
     local preset=$1 title=$2 regex=${3:-} tests=build/$1 library_dir=
-    local -a arguments=(--output-on-failure -j "$(nproc)" --no-tests=error)
-    # Once in some thousand times Wine ends a program before it has begun. A test gets one more try on the simulated
-    # machine, and is named below when it needed it.
-    [[ $preset == native ]] || arguments+=(--repeat until-pass:2)
+    local -a arguments=(--output-on-failure --no-tests=error)
+    if [[ $preset == native ]]; then
+        arguments+=(-j "$(nproc)")
+    else
+        # Tests with devices mostly wait, for the devices and for Windows: they run beside those that compute.
+        describe_machines >build/machines.json
+        arguments+=(--resource-spec-file "$PWD/build/machines.json" -j $(($(nproc) + machine_count - 1)))
+        # Once in some thousand times Wine ends a program before it has begun. A test gets one more try on the simulated
+        # machine, and is named below when it needed it.
+        arguments+=(--repeat until-pass:2)
+    fi
     if [[ $preset == windows-checked ]]; then
         tests=build/windows
         library_dir=$PWD/build/$preset/bin
@@ -45,14 +56,26 @@ run_tests() {
     fi
 }
 
+# count_cases WHAT LOG
+count_cases() {
+    local cases
+    cases=$(passed_cases "$2")
+    printf '        %d cases passed\n' "$cases"
+    test_lines+=("$(printf '%-16s %d cases passed' "$1" "$cases")")
+    tests_ran=$((tests_ran + cases))
+}
+
 # The logic's cases are one test to ctest; a part of them is chosen by GoogleTest's own filter.
 run_named_units() {
     step --soft "Unit tests named *$1*" build/native/tests/unit_tests --gtest_brief=1 "--gtest_filter=*$1*"
-    local cases
-    cases=$(passed_cases "$step_log")
-    printf '        %d cases passed\n' "$cases"
-    test_lines+=("$(printf '%-16s %d cases passed' "unit tests" "$cases")")
-    tests_ran=$((tests_ran + cases))
+    count_cases "unit tests" "$step_log"
+}
+
+# The same for system tests whose program is one test to ctest.
+run_named_cases() {
+    GTEST_FILTER="*$1*" GTEST_BRIEF=1 step --soft "Cases named *$1* in programs that are one test" \
+        ctest --test-dir build/windows --output-on-failure -L '^whole$'
+    count_cases "whole programs" build/windows/Testing/Temporary/LastTest.log
 }
 
 verb_test() {
@@ -80,22 +103,24 @@ test_all() {
     build_preset fuzz
     step --soft "Fuzz seeds" fuzz/run.sh --replay
     build_preset windows
-    step --soft "Lint" check_lint
-    build_preset windows-checked
-    machine_up
+    begin_beside check_lint
+    machines_up "$test_machines"
     run_tests windows "Tests on the simulated machine"
+    build_preset windows-checked
     run_tests windows-checked "Tests on the simulated machine, checked build"
     machine_down
+    step --soft "Lint, begun beside the tests" finish_beside
 }
 
 test_some() {
-    plan 12
+    plan 13
     build_preset native
     run_named_units "$1"
     run_tests native "Native tests that match $1" "$1"
     build_preset windows
     build_preset windows-checked
-    machine_up
+    machines_up "$test_machines"
+    run_named_cases "$1"
     run_tests windows "Tests on the simulated machine that match $1" "$1"
     run_tests windows-checked "The same, checked build" "$1"
     machine_down

@@ -71,6 +71,27 @@ def swipe(valid, encrypted, bad=0):
     }
 
 
+def engine(name, read, missed, connected=0):
+    return {"device": name, "firmware": f"{name} 1", "read": read, "missed": missed, "connected": connected}
+
+
+def scanner(name):
+    return {"scanner": f"{name.capitalize()} X", "firmware": f"{name} 1"}
+
+
+def held(*codes):
+    """Scanner, symbology, text and what the application's rule makes of it."""
+    return "".join("\t".join(code) + "\n" for code in codes)
+
+
+def scanned(identifier, text, data):
+    return f"Scan 1  Some Code ({identifier}), of some kind\n  Text    {text}\n  Bytes   {data}\n"
+
+
+def edited(identifier, before, after):
+    return f"Symbology     Some Code ({identifier})\nBefore        {before}\nAfter         {after}\n"
+
+
 def tags(carton, pallet):
     return [{"epc": TAG, "user": carton}, {"epc": LOCKED_TAG, "user": pallet}, {"epc": FAR_TAG, "user": ""}]
 
@@ -86,10 +107,31 @@ def second(number, fix):
 BATTERY = {"name": "MAIN", "id": "0027", "remaining_capacity": 900, "full_charged_capacity": 1000}
 READER = {"device": "reader", "serial": "B1", "swipes": 3, "set_features": 6}
 GPS = {"device": "gps", "sentences": 200, "satellites_in_view": 11, "latitude": 48.0003, "longitude": 16.0}
+HELD = [
+    ("intermec", "EAN_13", "40063", "40063"),
+    ("intermec", "Code128", "1-2", "1-2"),
+    ("intermec", "Code128", "1-2", "12"),
+    ("honeywell", "EAN_128", r"A\x1DB", "A|B"),
+]
+CODES_SHOWN = [
+    "read 5 bytes, EAN_13 ]E0\n" + scanned("]E0", "40063", "3430303633"),
+    "read 3 bytes, Code128 ]C0\nread 3 bytes, Code128 ]C0\n" + edited("]C0", "1-2", "12"),
+    "qlsim-ctl: honeywell: not read: QR is not enabled\n",
+    "read 3 bytes, EAN_128 ]C1\n" + scanned("]C1", "A|B", "417C\n          42"),
+]
 ONE_ANSWER_A_LINE = ("light.txt", "lamp.json", "swipes.json")
 RECORD = {
     "simulated-first.json": {"devices": [simulated_probe(AWAKE, ASLEEP, ABSENT), simulated_rfid(27, 2)]},
-    "simulated.json": {"devices": [simulated_probe(AWAKE, AWAKE, ABSENT), simulated_rfid(19, 3), READER, GPS]},
+    "simulated.json": {
+        "devices": [
+            simulated_probe(AWAKE, AWAKE, ABSENT),
+            simulated_rfid(19, 3),
+            READER,
+            GPS,
+            engine("intermec", 3, 0),
+            engine("honeywell", 1, 1),
+        ]
+    },
     "devices.json": told_devices(AWAKE, ASLEEP, ABSENT),
     "devices-after.json": told_devices(AWAKE, AWAKE, ABSENT),
     "batteries.json": {"batteries": [{"battery": 1, "error": None, **BATTERY}]},
@@ -99,6 +141,10 @@ RECORD = {
     "readers-after.json": {"readers": [{"serial_number": "B1"}]},
     "swipes.json": [swipe(True, False), swipe(True, True), swipe(False, False, bad=1)],
     "cards.txt": "waiting\nSwipe 1  valid\n  411111******1111\nSwipe 2\nSwipe 3\ngone\n",
+    "codes.txt": held(*HELD),
+    "scanners.txt": "".join(CODES_SHOWN),
+    "scanner-intermec.json": scanner("intermec"),
+    "scanner-honeywell.json": scanner("honeywell"),
     "tags-first.json": tags("41420000", "43440000"),
     "tags.json": tags("58420000", "59440000"),
     "inventory.json": inventory(TAG, LOCKED_TAG, FAR_TAG),
@@ -178,6 +224,62 @@ FAILURES = {
         with_changed("swipes.json", 0, "tracks", 0, "text", ";4111111111111111=28?"),
         "Card reader: an account number",
     ),
+    "another scanner is told": (
+        with_changed("scanner-honeywell.json", scanner("intermec")),
+        "Barcode scanners: the honeywell engine is told to be Intermec X, intermec 1",
+    ),
+    "another firmware is told": (
+        with_changed("scanner-intermec.json", "firmware", "0"),
+        "Barcode scanners: the intermec engine is told",
+    ),
+    "a code is read twice": (
+        with_changed("simulated.json", "devices", 4, engine("intermec", 4, 0)),
+        "Barcode scanners: the intermec engine read 4",
+    ),
+    "a code is missed": (
+        with_changed("simulated.json", "devices", 4, engine("intermec", 3, 1)),
+        "Barcode scanners: the intermec engine missed",
+    ),
+    "one engine is not used at all": (
+        with_changed("codes.txt", held(*HELD[:3])),
+        "Barcode scanners: the honeywell engine read 1",
+    ),
+    "an engine stays connected": (
+        with_changed("simulated.json", "devices", 5, engine("honeywell", 1, 1, connected=7)),
+        "Barcode scanners: the honeywell engine was not given back",
+    ),
+    "a scan is lost": (
+        with_changed("scanners.txt", "".join(CODES_SHOWN[:3]) + "read 3 bytes, EAN_128 ]C1\n"),
+        "Barcode scanners: scans were lost",
+    ),
+    "a scan comes twice": (
+        with_changed("scanners.txt", "".join([*CODES_SHOWN, scanned("]C1", "A|B", "417C42")])),
+        "Barcode scanners: scans were lost",
+    ),
+    "the engine reads another code": (
+        with_changed("scanners.txt", "".join(CODES_SHOWN).replace("read 5 bytes", "read 6 bytes")),
+        "Barcode scanners: 40063 was read otherwise",
+    ),
+    "a scan comes as another symbology": (
+        with_changed("scanners.txt", "".join(CODES_SHOWN).replace("Code (]E0)", "Code (]E4)")),
+        "Barcode scanners: 40063 came as 40063 (]E4)",
+    ),
+    "a scan comes with other bytes": (
+        with_changed("scanners.txt", "".join(CODES_SHOWN).replace("3430303633", "3430303634")),
+        "Barcode scanners: 40063 came as",
+    ),
+    "a rule has no effect": (
+        with_changed("scanners.txt", "".join(CODES_SHOWN).replace("After         12", "After         1-2")),
+        "Barcode scanners: 1-2 came as 1-2",
+    ),
+    "there is no rule": (
+        with_changed("codes.txt", held(*((*code[:3], code[2]) for code in HELD))),
+        "Barcode scanners: no rule was at work",
+    ),
+    "nothing is left unread": (
+        with_changed("scanners.txt", "".join(CODES_SHOWN[:2] + CODES_SHOWN[3:])),
+        "Barcode scanners: the honeywell engine missed",
+    ),
     "a tag is missing": (with_changed("inventory.json", inventory(TAG, LOCKED_TAG)), "UHF RFID reader: the inventory"),
     "power has no effect": (
         with_changed("inventory-weak.json", RECORD["inventory.json"]),
@@ -232,6 +334,9 @@ class DemoSummary(unittest.TestCase):
             "seen MAIN 900 of 1000",
             "a lamp that counted 3, 1 and 0",
             "one in clear (411111******1111), one encrypted (411111******1111) and one not valid (track 1 not decoded)",
+            "simulated intermec 1 read 3 codes (EAN_13 and Code128) and honeywell 1 read 1 code (EAN_128);"
+            " not read: QR is not enabled",
+            r"seen 4 scans from Intermec X and Honeywell X; 1-2 became 12 and A\x1DB became A|B",
             "seen 3 tags, 2 at power 19; AB became XB; CD refused without its password",
             "seen 3 seconds, 2 with a fix from 10:00:02 UTC on; 11 m to 48.00020 N 16.00000 E",
         ):
