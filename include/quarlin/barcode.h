@@ -19,10 +19,10 @@
  *
  * The list of devices is made by the first QLBCR_GetBarcodeDevices, QLBCR_SelectDevice or QLBCR_Initialize and kept
  * until QLBCR_Uninitialize. As long as no device was found there is no list, and the next call looks again. Looking
- * takes up to 15 rounds, 150 ms apart, when a scanner should be there and does not show up. Three functions fail in it
- * with QLERR_INTERNAL_ERROR when a Honeywell scanner is looked for and its library is not there ("Unable to load
- * HEDC_RS.dll.") or is not the one that is meant ("Unable to load internal functions. Possibly due to misplaced or
- * incorrect dlls.").
+ * takes up to 15 rounds, 150 ms apart, when a scanner should be there and does not show up. These functions, and those
+ * for .NET callers, fail in it with QLERR_INTERNAL_ERROR when a Honeywell scanner is looked for and its library is not
+ * there ("Unable to load HEDC_RS.dll.") or is not the one that is meant ("Unable to load internal functions. Possibly
+ * due to misplaced or incorrect dlls.").
  *
  * Threads: any; the functions take turns under one lock, so that they may overlap. QLBCR_Initialize and
  * QLBCR_GetBarcodeDevices do not hold it while they work: other functions answer meanwhile, from the state before.
@@ -38,8 +38,9 @@
  * turns with it; sending a message to a window of such a thread is waiting, too. While QLBCR_Uninitialize waits, those
  * three fail inside the callback with QLERR_INVALID_STATE, "The device is not initialized".
  *
- * An engine on a serial line whose port is not known shows a dialogue in QLBCR_Enable. While it does, calls of the same
- * thread that would change the state or make the list fail as if inside the callback.
+ * QLBCR_Enable may let the windows of its thread work: an engine on a serial line whose port is not known shows a
+ * dialogue, and the emulator program is sent messages. Calls from there that would change the state or make the list
+ * fail as if inside the callback.
  *
  * Making the list for the first time uses the functions of device.h: no other thread may be using them meanwhile.
  *
@@ -219,8 +220,9 @@ QL_IMPORT QLerr QLBCR_Uninitialize(void);
 
 /**
  * Connects the engine: scans arrive from now on. What the engine had read before is dropped. Tries nine times, half a
- * second apart. When the 2-D barcode emulator program runs, a Honeywell scanner is asked of it before each try, for up
- * to 5 s; an emulator that refuses, hands nothing over or does not answer ends the call at once.
+ * second apart. When the 2-D barcode emulator program runs, a Honeywell scanner is asked of it before each try: ten
+ * times half a second apart, and an emulator may take up to a minute for each answer. One that refuses, hands nothing
+ * over, has no window or gives no answer ends the call.
  * @return QLERR_OK; QLERR_INVALID_STATE, "The device is not initialized" or "The device is already enabled";
  *         QLERR_INTERNAL_ERROR: "Unable to connect barcode.", and for Intermec engines "Unable to register barcode
  *         event messages." or "Error setting up barcode connection.". After a failure the state is 1, and enabling can
@@ -438,7 +440,8 @@ QL_IMPORT QLerr QLBCR_dotNet_GetNoOfDevices(int* count);
  * @param count   in: entries that the buffer shall hold. Out: devices found; 0 when the call fails. Null:
  *                QLERR_INVALID_ARGUMENT, "pNumDevices cannot be NULL".
  *
- * @return the list, entries not in use zero; null when the call fails, which QLAPI_GetLastError explains. The buffer
+ * @return the list, entries not in use zero; null when the call fails, which QLAPI_GetLastError explains
+ *         (QLERR_INTERNAL_ERROR, "memory allocate error.", when there is no room for so many). The buffer
  *         belongs to the caller: it comes from malloc of msvcrt.dll, the C runtime that is part of Windows, and free of
  *         that same msvcrt.dll releases it, not that of another runtime (ucrtbase.dll, a debug runtime).
  */

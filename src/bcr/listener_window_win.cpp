@@ -92,12 +92,10 @@ void ListenerWindow::Stop() {
 }
 
 void ListenerWindow::BeginConnection() {
-    // Without room for the message there is nothing to wait for either.
-    const WPARAM next = connection_ + 1;
-    if (PostMessageW(window_, kConnectionBegins, next, 0)) {
-        connection_ = next;
-    } else {
-        passedConnection_ = connection_.load();
+    const WPARAM next = ++connection_;
+    if (!PostMessageW(window_, kConnectionBegins, next, 0)) {
+        // Without room for the message there is nothing to wait for either.
+        passedConnection_ = next;
     }
 }
 
@@ -169,7 +167,10 @@ LRESULT ListenerWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM 
     } else if (message == windowMessages.emulatorOnConnectState) {
         events_.OnEmulatorNotice();
     } else if (message == kConnectionBegins) {
-        passedConnection_ = wParam;
+        // Other programs post what they like.
+        if (wParam == connection_) {
+            passedConnection_ = wParam;
+        }
         return 0;
     } else if (message == WM_CLOSE) {
         // Whoever else closes windows must not take this one away.

@@ -61,7 +61,7 @@ class HoneywellRefused : public HoneywellTest, public ::testing::WithParamInterf
 
 TEST_P(HoneywellRefused, LeavesNothingBehind) {
     // A block or a slot for each round would show.
-    constexpr int kRounds = 100;
+    constexpr int kRounds = 40;
     constexpr std::size_t kOnce = 8;
     Rounds(20);
     CountResources();
