@@ -102,8 +102,19 @@ ScannerHardware ThisMachine::Hardware() {
     return AvailableScanner();
 }
 
+WaveSound::~WaveSound() {
+    // What it plays goes on by itself.
+    library_.KeepLoaded();
+}
+
 void WaveSound::Play(const std::wstring& file) {
-    PlaySoundW(file.c_str(), nullptr, SND_FILENAME | SND_ASYNC | SND_NODEFAULT);
+    if (!library_.IsLoaded()) {
+        library_ = LoadedLibrary(systemLibraries, L"winmm.dll");
+    }
+    BOOL (*playSound)(const wchar_t* file, HMODULE module, DWORD flags) = nullptr;
+    if (library_.IsLoaded() && library_.Find("PlaySoundW", playSound)) {
+        playSound(file.c_str(), nullptr, SND_FILENAME | SND_ASYNC | SND_NODEFAULT);
+    }
 }
 
 std::wstring DefaultSoundFile() {

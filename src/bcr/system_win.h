@@ -26,9 +26,18 @@ class ThisMachine final : public MachineFacts {
     ScannerHardware Hardware() override;
 };
 
+// The sound is the system's multimedia library's, which is loaded with the first one: most programs never play any.
 class WaveSound final : public ReadSound {
   public:
+    WaveSound() = default;
+    WaveSound(const WaveSound&) = delete;
+    WaveSound& operator=(const WaveSound&) = delete;
+    ~WaveSound();
+
     void Play(const std::wstring& file) override;
+
+  private:
+    LoadedLibrary library_;
 };
 
 // Everything of the system that the family lives on.

@@ -100,7 +100,13 @@ QLerr QLSTR_StrVarPrintf(wchar_t* dst, int dstSize, int* written, const wchar_t*
 }
 
 QLerr QLSTR_CppStrToCStr(char* outStr, int* outStrSize, std::string text) {
-    return Export([&] { CopyTextOut(outStr, outStrSize, text); });
+    return Export([&] {
+        const int needed = CheckTextOut(outStr, outStrSize, text);
+        if (outStr != nullptr) {
+            BoundedCopyNarrow(outStr, *outStrSize, text.c_str());
+        }
+        *outStrSize = needed;
+    });
 }
 
 QLerr QLLIB_GetSDKVersion(wchar_t* buffer, int* size) {

@@ -80,10 +80,11 @@ bool CUsbHidDev::IsOpen() {
 
 bool CUsbHidDev::EnumerateDevicePaths(std::vector<std::wstring>& paths) {
     const CSmartCriticalWrapper held(lock_);
+    const auto before = static_cast<std::ptrdiff_t>(paths.size());
     AppendHidPaths(paths);
-    for (std::wstring& path : paths) {
+    std::for_each(paths.begin() + before, paths.end(), [](std::wstring& path) {
         std::ranges::transform(path, path.begin(), [](wchar_t c) { return static_cast<wchar_t>(std::towlower(c)); });
-    }
+    });
     return true;
 }
 

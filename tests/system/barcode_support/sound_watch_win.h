@@ -4,9 +4,11 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -79,11 +81,20 @@ class SoundWatch {
         return answer;
     }
 
+    // The library looks for PlaySoundW when it plays.
+    static FARPROC WINAPI Find(HMODULE library, const char* function) {
+        const bool isName = (reinterpret_cast<std::uintptr_t>(function) >> 16) != 0;
+        if (isName && std::string_view(function) == "PlaySoundW") {
+            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Play));
+        }
+        return GetProcAddress(library, function);
+    }
+
     inline static std::mutex lock_;
     inline static std::vector<PlayedSound> sounds_;
     inline static std::function<void()> whenPlayed_;
     inline static BOOL answer_ = TRUE;
-    ImportHook hook_{"winmm.dll", "PlaySoundW", &Play};
+    ImportHook hook_{"KERNEL32.dll", "GetProcAddress", &Find};
 };
 
 }  // namespace quarlin::test
