@@ -26,10 +26,15 @@ std::uint32_t AnswerOnly(Function function) {
     return Answer(function, {}, [](const IntermecState&, const EngineCall&) { return kIntermecGood; });
 }
 
+// What the caller's length was when it called.
+std::uint32_t LengthBefore(const std::uint32_t* length) {
+    return length != nullptr ? *length : 0;
+}
+
 template <typename Work>
 std::uint32_t AnswerFrame(Function function, const std::uint8_t* request, std::uint32_t length, std::uint8_t* answer,
                           std::uint32_t capacity, std::uint32_t* answerLength, Work&& work) {
-    const Given given{{capacity, Address(answer), Address(answerLength)}, request, length};
+    const Given given{{capacity, Address(answer), Address(answerLength), LengthBefore(answerLength)}, request, length};
     return Answer(function, given, [&](IntermecState& state, EngineCall& call) -> std::uint16_t {
         if (const IntermecStatus readiness = engine.Readiness(); readiness != kIntermecGood) {
             return readiness;
@@ -197,7 +202,7 @@ std::uint32_t StatusRead(const std::uint8_t* request, std::uint32_t length, std:
 }
 
 std::uint32_t GetBarcodeDataEx(std::uint8_t* buffer, std::uint32_t capacity, std::uint32_t* length) {
-    const Given given{{Address(buffer), capacity, Address(length)}, nullptr, 0};
+    const Given given{{Address(buffer), capacity, Address(length), LengthBefore(length)}, nullptr, 0};
     return desk.AnswerUnlocked(Function::kGetBarcodeDataEx, given, kIntermecNoRecord,
                                [&](IntermecState& record, EngineCall& call) -> std::uint16_t {
                                    if (const IntermecStatus status = engine.Readiness(); status != kIntermecGood) {

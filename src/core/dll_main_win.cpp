@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bcr/barcode_family_win.h"
 #include "bcr/window_messages_win.h"
+#include "core/last_error.h"
 #include "core/library_state.h"
 #include "msr/card_reader_family.h"
 
@@ -29,6 +30,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEn
             if (processEnds == nullptr) {
                 // No reader is enabled: its thread would keep the library loaded.
                 quarlin::msr::cardReaderFamily.Uninitialize();
+                // This thread's record. Those of other threads are theirs, and stay.
+                quarlin::ForgetQlLastError();
                 __gnu_cxx::__freeres();
             }
             break;

@@ -14,6 +14,9 @@ QLerr SetQlLastError(QLerr code, const char* message);
 // Forgets the record. Returns QLERR_OK.
 QLerr ClearQlLastError();
 
+// The same for a thread, or a library, that ends: raises nothing.
+void ForgetQlLastError() noexcept;
+
 // Copies the text out and forgets the record. Raises the copy's failure, and then keeps the record.
 QLerr TakeQlLastError(char* buffer, int bufferSize);
 

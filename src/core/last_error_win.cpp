@@ -75,6 +75,14 @@ QLerr ClearQlLastError() {
     return QLERR_OK;
 }
 
+void ForgetQlLastError() noexcept {
+    try {
+        ClearQlLastError();
+    } catch (...) {
+        // There is no slot that it could be in.
+    }
+}
+
 QLerr TakeQlLastError(char* buffer, int bufferSize) {
     LastErrorRecord* record = CurrentRecord();
     if (record == nullptr) {

@@ -2,7 +2,6 @@
 #include "core/library_thread_win.h"
 
 #include "core/last_error.h"
-#include "core/quarlin_exception.h"
 
 #include <process.h>
 
@@ -19,21 +18,13 @@ struct Task {
     HMODULE module = nullptr;
 };
 
-// What calls of a callback have left behind: nobody can fetch it any more.
-void ForgetLastError() {
-    try {
-        ClearQlLastError();
-    } catch (const QuarlinException&) {
-        // There is no slot that it could be in.
-    }
-}
-
 unsigned __stdcall Run(void* argument) {
     std::unique_ptr<Task> task(static_cast<Task*>(argument));
     HMODULE const module = task->module;
     task->body();
     task.reset();
-    ForgetLastError();
+    // What calls of a callback have left behind: nobody can fetch it any more.
+    ForgetQlLastError();
     FreeLibraryAndExitThread(module, 0);
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -18,6 +19,7 @@
 #include "support/child_process_win.h"
 #include "support/import_hook_win.h"
 #include "support/loaded_library_win.h"
+#include "support/machine_state_win.h"
 #include "support/thread_count_win.h"
 #include "support/wait_win.h"
 
@@ -59,6 +61,36 @@ TEST_F(FreedWithScanner, GoesWhenItIsNotInitialised) {
     EXPECT_EQ(count, 1);
     library.Unload();
     EXPECT_FALSE(IsLoaded());
+}
+
+// Neither a list nor a beginning that failed stays when the library goes.
+TEST_F(FreedWithScanner, TakesItsListWithIt) {
+    KeepImportsLoaded();
+    const auto rounds = [](int count) {
+        for (int i = 0; i < count; ++i) {
+            LoadedLibrary library;
+            int devices = 0;
+            EXPECT_SUCCESS_IN(library, QLBCR_GetBarcodeDevices(nullptr, &devices));
+            ASSERT_EQ(devices, 1);
+            {
+                const EnvironmentGuard withoutEngine(L"PATH", L"C:\\windows\\system32");
+                EXPECT_FAILURE_IN(library, QLBCR_Initialize(), QLERR_INTERNAL_ERROR, "Unable to load ISDC.dll.");
+            }
+            // Its record is not fetched: it goes with the library.
+            EXPECT_EQ(library.QLBCR_Enable(), QLERR_INVALID_STATE);
+            library.Unload();
+            ASSERT_TRUE(WaitUntil([] { return !IsLoaded(); }));
+        }
+    };
+    rounds(40);
+    CountResources();
+    const ResourceCount before = CountResources();
+    rounds(100);
+    const ResourceCount after = CountResources();
+    constexpr std::size_t kOnce = 8;
+    EXPECT_LE(after.handles, before.handles + kOnce);
+    EXPECT_LE(after.heapBlocks, before.heapBlocks + kOnce);
+    EXPECT_EQ(after.freeTlsSlots, before.freeTlsSlots);
 }
 
 TEST_F(FreedWithScanner, GoesAfterTheEnd) {
@@ -156,6 +188,26 @@ TEST_F(FreedWithScanner, LeavesNothingOverManyRounds) {
     EXPECT_LE(after.handles, before.handles + kOnce);
     EXPECT_LE(after.heapBlocks, before.heapBlocks + kOnce);
     EXPECT_EQ(after.freeTlsSlots, before.freeTlsSlots);
+}
+
+std::set<std::wstring> registeredMessages;
+
+UINT WINAPI NoteMessage(const wchar_t* name) {
+    registeredMessages.insert(name);
+    return RegisterWindowMessageW(name);
+}
+
+TEST(BarcodeMessages, AreRegisteredWhenTheLibraryLoads) {
+    registeredMessages.clear();
+    LoadTimeHooks hooks;
+    hooks.Add("USER32.dll", "RegisterWindowMessageW", &NoteMessage);
+    const LoadedLibrary library;
+    EXPECT_EQ(hooks.Loads(), 1);
+    EXPECT_TRUE(hooks.Missing().empty());
+    EXPECT_EQ(registeredMessages,
+              (std::set<std::wstring>{L"WM_ISCP_FRAME", L"WM_RAW_DATA", L"WM_LOWLEVEL", L"WM_MULTIFRAME_IN_PROGRESS",
+                                      L"WM_NORV_BCR_EMU_CONNECT", L"WM_NORV_BCR_EMU_GET_CONNECT_STATE",
+                                      L"WM_NORV_BCR_EMU_STATE_REGIST", L"WM_NORV_BCR_EMU_ON_CONNECT_STATE"}));
 }
 
 // How the process of a child mode ends.

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Many rounds through all states leave the process as they found it.
+#include <cstddef>
+
 #include "barcode_honeywell/honeywell_test_win.h"
+#include "barcode_support/process_view_win.h"
 #include "support/resource_count_win.h"
 #include "support/thread_count_win.h"
 
@@ -20,6 +23,9 @@ class HoneywellLeftovers : public HoneywellTest {
         }
         const std::size_t threads = CountThreads();
         CountResources();
+        const auto libraries = LoadedLibraries();
+        const int windows = CountWindows();
+        const std::size_t memory = WorkingSet();
         const ResourceCount before = CountResources();
         for (int i = 0; i < kRounds; ++i) {
             round();
@@ -33,6 +39,11 @@ class HoneywellLeftovers : public HoneywellTest {
         EXPECT_LE(after.handles, before.handles + kOnce);
         EXPECT_LE(after.heapBlocks, before.heapBlocks + kOnce);
         EXPECT_EQ(after.freeTlsSlots, before.freeTlsSlots);
+        EXPECT_EQ(LoadedLibraries(), libraries);
+        EXPECT_EQ(CountWindows(), windows);
+        // A page for each round would show; blocks and handles are counted to the last one.
+        constexpr std::size_t kTolerance = 2 * 1024 * 1024;
+        EXPECT_LE(WorkingSet(), memory + kTolerance);
         EXPECT_EQ(GetModuleHandleW(kHoneywellLibrary), nullptr);
         EXPECT_EQ(FindListenerWindow(), nullptr);
     }

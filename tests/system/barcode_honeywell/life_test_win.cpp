@@ -109,6 +109,7 @@ TEST_F(HoneywellLife, FailsWhenTheLibraryDoesNotStart) {
         EXPECT_EQ(calls[0], "Deinitialize");
         EXPECT_EQ(calls[1], kHoneywellInitialize);
         EXPECT_EQ(std::count(calls.begin(), calls.end(), "RegisterCallback 1"), 0);
+        EXPECT_EQ(GetModuleHandleW(kHoneywellLibrary), nullptr);
         EXPECT_EQ(BarcodeState(), 0);
         EXPECT_FAILURE(QLBCR_Uninitialize(), QLERR_INVALID_STATE, "The device is already un-initialized");
         EXPECT_EQ(FindListenerWindow(), nullptr);

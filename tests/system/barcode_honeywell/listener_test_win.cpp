@@ -82,6 +82,24 @@ TEST_F(HoneywellListener, IsNotEndedByTheQuitOfAnother) {
     ExpectEnding();
 }
 
+// Programs use such messages for their own windows, and post them to all.
+TEST_F(HoneywellListener, IsNotDeafenedByMessagesOfOthers) {
+    HWND const window = FindListenerWindow();
+    for (int connection = 0; connection < 2; ++connection) {
+        for (const WPARAM number : {WPARAM{0}, WPARAM{1}, WPARAM{2}, WPARAM{3}, WPARAM{1000}, ~WPARAM{0}}) {
+            for (const UINT message : {UINT{WM_USER}, UINT{WM_APP}, UINT{WM_APP} + 1}) {
+                EXPECT_TRUE(PostMessageW(window, message, number, 0));
+            }
+            ExpectScanning(window);
+        }
+        ASSERT_SUCCESS(QLBCR_Disable());
+        EXPECT_TRUE(PostMessageW(window, WM_APP, 0, 0));
+        ASSERT_SUCCESS(QLBCR_Enable());
+        EXPECT_TRUE(PostMessageW(window, WM_APP, 0, 0));
+        ExpectScanning(window);
+    }
+}
+
 TEST_F(HoneywellListener, IsNotEndedWhileNothingIsConnected) {
     ASSERT_SUCCESS(QLBCR_Disable());
     HWND const window = FindListenerWindow();

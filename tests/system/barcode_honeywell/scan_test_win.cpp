@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -183,17 +184,16 @@ TEST_F(HoneywellScan, WhoseIdentifierCannotBeReadComesWithoutOne) {
     EXPECT_EQ(log_.AwaitCount(3).symbologyId, "]Q123");
 }
 
-TEST_F(HoneywellScan, WithALengthThatPointsNowhereDoesNoHarm) {
+TEST_F(HoneywellScan, WithALengthThatPointsNowhereIsDropped) {
     const char text[] = "12345\0]Q123";
     for (const std::size_t length :
          {std::size_t{0x7FFFFFFF}, std::size_t{1} << 40, ~std::size_t{0}, ~std::size_t{0} - 1, ~std::size_t{0} - 5}) {
         EXPECT_EQ(TellScan(length, text), 0);
+        EXPECT_EQ(log_.Count(), 0U) << length;
     }
-    for (const ReceivedScan& scan : log_.Scans()) {
-        EXPECT_EQ(scan.text, "12345");
-        EXPECT_FALSE(scan.hasSymbologyId);
-    }
-    EXPECT_EQ(Received("good", "]A0").text, "good");
+    const ReceivedScan scan = Received("good", "]A0");
+    EXPECT_EQ(scan.text, "good");
+    EXPECT_EQ(scan.symbologyId, "]A0\0\0"s);
 }
 
 TEST_F(HoneywellScan, OfAnIntermecEngineIsAnswered) {
@@ -306,6 +306,31 @@ TEST_F(HoneywellScan, LetsItsCallbackCallTheLibrary) {
     EXPECT_EQ(Engine().TakeTexts(),
               (Texts{"SendMenuCommand QRCENA1", "GetFirmwareVersion", "SendMenuCommand TRGMOD3"}));
     EXPECT_EQ(Received("b").text, "next: b");
+}
+
+TEST_F(HoneywellScan, WhoseCallbackThrowsIsTheOnlyOneConcerned) {
+    log_.DoInside([](const QLBCR_BARCODE_DATA& scan) {
+        if (scan.dataLength % 2 == 0) {
+            throw std::runtime_error("a callback's own");
+        }
+        throw &scan;
+    });
+    EXPECT_SUCCESS(QLBCR_StartScanning());
+    Engine().TakeCalls();
+    const Texts texts{"one", "two!", "three", "four", "five!!"};
+    for (const std::string& text : texts) {
+        Scan(text, "]A0");
+    }
+    log_.AwaitCount(texts.size());
+    log_.AwaitQuiet();
+    EXPECT_EQ(log_.Texts(), texts);
+    // The first of them has ended the shot.
+    Engine().AwaitCalls("StopReadingSession 0 0");
+    EXPECT_EQ(Engine().TakeTexts(), Texts{"StopReadingSession 0 0"});
+    EXPECT_EQ(FetchLastError(), Failure{});
+    EXPECT_EQ(BarcodeState(), 2);
+    log_.DoInside({});
+    EXPECT_EQ(Received("last").text, "last");
 }
 
 using HoneywellSingleShot = HoneywellScan;
