@@ -177,9 +177,10 @@ void BarcodeFamily::StopScanning() {
     Require(device.engine->SetDecoding(false), QLERR_INTERNAL_ERROR, "Unable turn off barcode decoding.");
 }
 
-void BarcodeFamily::OnHoneywellEvent(std::uint32_t eventType, const void* data, std::uint32_t length) const {
+void BarcodeFamily::OnHoneywellEvent(std::uint32_t eventType, const void* data, std::uint32_t length) {
     auto* const window = listener_.Window();
     if (eventType == kHoneywellScan && receiving_ != nullptr && window != nullptr) {
+        system_.engines.Announce(data, length);
         PostMessageW(window, windowMessages.rawData, length, reinterpret_cast<LPARAM>(data));
     }
 }

@@ -53,7 +53,7 @@ class BarcodeFamily final : private ListenerEvents {
     void StopScanning();
 
     // The Honeywell library's event, on a thread of its own.
-    void OnHoneywellEvent(std::uint32_t eventType, const void* data, std::uint32_t length) const;
+    void OnHoneywellEvent(std::uint32_t eventType, const void* data, std::uint32_t length);
 
     // The library is being unloaded, or the process ends: other threads are gone then, and other libraries perhaps too.
     void Unload() { devices_.Free(); }

@@ -20,6 +20,10 @@ class EngineSystem {
     virtual void LeaveEngine() = 0;
     // Whether that much memory can be read there.
     virtual bool IsReadable(const void* memory, std::uintptr_t size) = 0;
+    // Whether a scan's text, its terminator and so much behind it can be read.
+    virtual bool IsScanReadable(const char* text, std::uintptr_t length, std::uintptr_t behind) {
+        return IsReadable(text, length + 1 + behind);
+    }
 
   protected:
     constexpr EngineSystem() = default;

@@ -161,13 +161,12 @@ void HoneywellEngine::Disconnect() {
 
 ReceivedScan HoneywellEngine::TakeScan(const TextSettings& settings, std::uintptr_t length, const void* data) {
     // Any program can post the event's message, with any length and address.
-    const auto isReadable = [&](std::uintptr_t size) {
-        return data != nullptr && length <= kLongestScan && share_.system.IsReadable(data, size);
-    };
-    // Asking takes as long as all the rest, and nearly every scan has both text and identifier: one question for both.
-    const bool reachesIdentifier = isReadable(length + 1 + kSymbologyIdSize);
-    Require(reachesIdentifier || isReadable(length + 1), QLERR_INTERNAL_ERROR, "Invalid barcode data");
+    Require(data != nullptr && length <= kLongestScan, QLERR_INTERNAL_ERROR, "Invalid barcode data");
     const char* const text = static_cast<const char*>(data);
+    // Nearly every scan has both text and identifier: one question for both.
+    const bool reachesIdentifier = share_.system.IsScanReadable(text, length, kSymbologyIdSize);
+    Require(reachesIdentifier || share_.system.IsReadable(text, length + 1), QLERR_INTERNAL_ERROR,
+            "Invalid barcode data");
     ReceivedScan scan{HoneywellText({text, TextLength(text, length)}, settings), {}};
     const char* const symbologyId = text + length + 1;
     if (reachesIdentifier && *symbologyId == ']') {

@@ -10,6 +10,7 @@
 
 #include <mmsystem.h>
 #include <shlwapi.h>
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cwchar>
@@ -18,6 +19,12 @@ namespace quarlin::bcr {
 namespace {
 
 constexpr std::size_t kPathSize = 260;
+constexpr std::uintptr_t kPageSize = 4096;
+
+// Never 0: no scan lies there.
+std::uint64_t AnnouncementOf(const void* text, std::uintptr_t length) {
+    return reinterpret_cast<std::uintptr_t>(text) ^ (std::uint64_t{length} << 48 | std::uint64_t{length} >> 16);
+}
 
 // The machine's numbers for its scanners.
 constexpr std::int32_t kBuiltInIntermec = 1;
@@ -80,6 +87,26 @@ bool WindowsEngineSystem::IsReadable(const void* memory, std::uintptr_t size) {
         next = reinterpret_cast<std::uintptr_t>(region.BaseAddress) + region.RegionSize;
     }
     return true;
+}
+
+bool WindowsEngineSystem::IsScanReadable(const char* text, std::uintptr_t length, std::uintptr_t behind) {
+    if (!TakeAnnouncement(text, length)) {
+        return EngineSystem::IsScanReadable(text, length, behind);
+    }
+    // The library vouches for the text and its terminator; what follows it in the same page can be read as well.
+    const auto terminator = reinterpret_cast<std::uintptr_t>(text) + length;
+    return terminator / kPageSize == (terminator + behind) / kPageSize || IsReadable(text + length, 1 + behind);
+}
+
+void WindowsEngineSystem::Announce(const void* text, std::uintptr_t length) {
+    announced_[announcements_++ % announced_.size()] = AnnouncementOf(text, length);
+}
+
+bool WindowsEngineSystem::TakeAnnouncement(const void* text, std::uintptr_t length) {
+    return std::ranges::any_of(announced_, [key = AnnouncementOf(text, length)](std::atomic<std::uint64_t>& announced) {
+        std::uint64_t expected = key;
+        return announced == key && announced.compare_exchange_strong(expected, 0);
+    });
 }
 
 ComputerModel ThisMachine::Model() {

@@ -7,6 +7,10 @@
 #include "bcr/scan_delivery.h"
 #include "core/smart_critical_win.h"
 
+#include <array>
+#include <atomic>
+#include <cstdint>
+
 namespace quarlin::bcr {
 
 class WindowsEngineSystem final : public EngineSystem {
@@ -15,9 +19,18 @@ class WindowsEngineSystem final : public EngineSystem {
     void EnterEngine() override { lock_.Enter(); }
     void LeaveEngine() override { lock_.Leave(); }
     bool IsReadable(const void* memory, std::uintptr_t size) override;
+    // A scan that an engine's library has announced is not looked at: asking the system for its memory would take as
+    // long as all the rest of its way.
+    bool IsScanReadable(const char* text, std::uintptr_t length, std::uintptr_t behind) override;
+    void Announce(const void* text, std::uintptr_t length);
 
   private:
+    bool TakeAnnouncement(const void* text, std::uintptr_t length);
+
     CSmartCritical lock_;
+    // The last announcements that have not been taken, 0 for none. One that is overwritten is asked for after all.
+    std::array<std::atomic<std::uint64_t>, 64> announced_{};
+    std::atomic<std::uint32_t> announcements_ = 0;
 };
 
 class ThisMachine final : public MachineFacts {
