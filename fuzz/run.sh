@@ -9,8 +9,8 @@ set -euo pipefail
 source_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 readonly source_dir
 readonly build_dir=${QUARLIN_FUZZ_BUILD:-$source_dir/build/fuzz}
-readonly all_targets=(fuzz_data_editing fuzz_extended_data fuzz_feature_reply fuzz_line_reader fuzz_nmea_parser
-    fuzz_scanner_names fuzz_swipe_report fuzz_uhf_reply)
+readonly all_targets=(fuzz_data_editing fuzz_extended_data fuzz_feature_reply fuzz_line_reader fuzz_modified_utf8
+    fuzz_nmea_parser fuzz_scanner_names fuzz_swipe_report fuzz_uhf_reply)
 
 usage() {
     echo "usage: fuzz/run.sh SECONDS|--replay [TARGET]   targets: ${all_targets[*]}" >&2
@@ -50,7 +50,7 @@ findings() {
 
 dictionary() {
     case $1 in
-        fuzz_data_editing | fuzz_extended_data | fuzz_scanner_names) echo "$source_dir/fuzz/barcode.dict" ;;
+        fuzz_data_editing | fuzz_extended_data | fuzz_modified_utf8 | fuzz_scanner_names) echo "$source_dir/fuzz/barcode.dict" ;;
         fuzz_feature_reply | fuzz_swipe_report) echo "$source_dir/fuzz/card.dict" ;;
         fuzz_uhf_*) echo "$source_dir/fuzz/uhf.dict" ;;
         *) echo "$source_dir/fuzz/nmea.dict" ;;

@@ -1,0 +1,6 @@
+// SPDX-License-Identifier: Apache-2.0
+
+/**
+ * Built-in devices and batteries.
+ */
+package com.norvane.quarlin.device;

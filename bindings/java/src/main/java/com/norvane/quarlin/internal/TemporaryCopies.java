@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+package com.norvane.quarlin.internal;
+
+import java.io.IOException;
+import java.io.InputStream;
+import java.nio.file.DirectoryStream;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.time.Duration;
+import java.time.Instant;
+
+/**
+ * Copies of the library that the jar carries. Each is in a fresh folder of its own, so that processes do not disturb
+ * each other. Windows deletes no library that is loaded: what a process leaves behind, a later one removes.
+ */
+final class TemporaryCopies {
+    private static final String PREFIX = "quarlin-";
+
+    // A younger one may have been made just now by a process that has not loaded it yet.
+    private static final Duration ABANDONED = Duration.ofDays(1);
+
+    private final Path parent;
+
+    TemporaryCopies(Path parent) {
+        this.parent = parent;
+    }
+
+    /** Copies the library into a fresh folder; both go when the process ends, where the system allows it. */
+    Path make(InputStream library) throws IOException {
+        removeAbandoned();
+        Path folder = Files.createTempDirectory(parent, PREFIX);
+        Path file = folder.resolve(LibrarySearch.FILE);
+        try {
+            Files.copy(library, file);
+        } catch (IOException failed) {
+            remove(file);
+            throw failed;
+        }
+        // The last one goes first.
+        folder.toFile().deleteOnExit();
+        file.toFile().deleteOnExit();
+        return file;
+    }
+
+    /** Removes a copy, if the system allows it. */
+    void remove(Path file) {
+        try {
+            Files.deleteIfExists(file);
+            Files.deleteIfExists(file.getParent());
+        } catch (IOException inUse) {
+            // Stays for a later process.
+        }
+    }
+
+    private void removeAbandoned() {
+        Instant limit = Instant.now().minus(ABANDONED);
+        try (DirectoryStream<Path> folders = Files.newDirectoryStream(parent, PREFIX + "*")) {
+            for (Path folder : folders) {
+                Path file = folder.resolve(LibrarySearch.FILE);
+                if (Files.isRegularFile(file) && Files.getLastModifiedTime(folder).toInstant().isBefore(limit)) {
+                    remove(file);
+                }
+            }
+        } catch (IOException | RuntimeException unreadable) {
+            // Tidying is no reason to fail.
+        }
+    }
+}
