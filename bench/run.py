@@ -4,7 +4,7 @@
 
 usage: run.py [--native BUILD_FOLDER] [--windows BUILD_FOLDER] [--output FILE] [--only NAME] [--many N]
 
-NAME is one of parser, bytes, editing, getters, card, rfid, barcode.
+NAME is one of parser, bytes, editing, getters, card, rfid, barcode, java.
 """
 import argparse
 import datetime
@@ -109,6 +109,31 @@ def on_machine(windows, name, *arguments):
     return json.loads(output_of([ROOT / "sim" / "machine" / "run", bench, *arguments])[0])
 
 
+def seen_by_windows(path):
+    return "Z:" + str(path.resolve()).replace("/", "\\")
+
+
+def measure_java(windows, work):
+    """None without a Windows JVM or without the Java library."""
+    jvm = ROOT / "build" / "jvm" / "25"
+    library = ROOT / "build" / "java"
+    for needed in (jvm / "fetched", library / "built"):
+        if not needed.exists():
+            note(f"Java: left out, there is no {needed}; ./dev bench makes it where the network allows")
+            return None
+    classes = work / "java"
+    compiler = pathlib.Path(os.environ["JAVA_HOME"], "bin", "javac") if "JAVA_HOME" in os.environ else "javac"
+    output_of([compiler, "--release", "8", "-Xlint:all,-options", "-Werror", "-proc:none", "-cp", library / "classes",
+               "-d", classes, ROOT / "bench" / "java" / "JavaBench.java"])
+    note("JavaBench, on the simulated machine ...")
+    return json.loads(output_of([
+        ROOT / "sim" / "machine" / "run", need(jvm / "bin" / "java.exe"), "-XX:ActiveProcessorCount=2",
+        "--enable-native-access=ALL-UNNAMED",
+        f"-Dcom.norvane.quarlin.library={seen_by_windows(windows / 'bin')}",
+        "-cp", f"{seen_by_windows(library / 'classes')};{seen_by_windows(classes)}",
+        "JavaBench", seen_by_windows(need(windows / "bench" / "java_bench.dll"))])[0])
+
+
 def shown(value, form):
     return f"{value:{form}}" if value is not None else "(no valgrind)"
 
@@ -163,6 +188,16 @@ def barcode_rows(measured):
         yield "  one after the other", f"{facts['us_per_scan']:.1f} us", ""
 
 
+def java_rows(java):
+    yield f"Java {java['java']}: an empty native call", f"{java['empty_call_ns']:.2f} ns", ""
+    yield "  GPS.QLGPS_IsEnabled", f"{java['getter_ns']:.2f} ns", ""
+    yield "  getter / empty call", f"{java['multiple_of_empty_call']:.3f}", "<= 1.5"
+    yield "  attach, static call, detach", f"{java['bare_call_us']:.1f} us", ""
+    yield "  scan into Java", f"{java['scan_us']:.1f} us", ""
+    yield "  scan / attach, call, detach", f"{java['multiple_of_bare_call']:.3f}", "<= 1.3"
+    yield "  scans that arrived", f"{java['scans']} of {java['deliveries']}", "all"
+
+
 def long_run_rows(run, what, missing, wrong):
     yield f"{what} in a row", f"{run[what]}", ""
     yield "  lost, wrong or doubled", f"{missing}, {wrong}", "0, 0"
@@ -170,7 +205,14 @@ def long_run_rows(run, what, missing, wrong):
     yield "  working set before, after", f"{run['working_set_kb_before']}, {run['working_set_kb_after']} KB", "flat"
 
 
-ROWS = {"bytes": bytes_rows, "editing": editing_rows, "card": card_rows, "rfid": rfid_rows, "barcode": barcode_rows}
+ROWS = {
+    "bytes": bytes_rows,
+    "editing": editing_rows,
+    "card": card_rows,
+    "rfid": rfid_rows,
+    "barcode": barcode_rows,
+    "java": java_rows,
+}
 
 
 def table(results):
@@ -214,6 +256,7 @@ MEASUREMENTS = {
         engine: on_machine(given.windows, "barcode_scan_bench.exe", engine, given.many)
         for engine in ("intermec", "honeywell")
     },
+    "java": lambda given: measure_java(given.windows, given.output.parent),
 }
 
 
@@ -233,7 +276,9 @@ def main():
     }
     for name, measure in MEASUREMENTS.items():
         if arguments.only in (None, name):
-            results[name] = measure(arguments)
+            measured = measure(arguments)
+            if measured is not None:
+                results[name] = measured
     arguments.output.write_text(json.dumps(results, indent=2) + "\n", encoding="utf-8")
     print(table(results))
     print(f"written: {arguments.output}")

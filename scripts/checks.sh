@@ -37,7 +37,7 @@ check_hygiene() {
     done < <({
         cpp_files
         script_files
-        repository_files | grep '\.py$'
+        repository_files | grep -E '\.(py|java|xml)$'
     } | sort -u)
     while IFS= read -r file; do
         if [[ -s $file && -n $(tail -c 1 "$file") ]]; then
@@ -45,7 +45,22 @@ check_hygiene() {
             bad=1
         fi
     done < <(text_files)
+    check_versions || bad=1
     return $bad
+}
+
+project_version() {
+    sed -nE 's/^project\(.* VERSION ([0-9.]+).*/\1/p' CMakeLists.txt
+}
+
+# The Java library refuses a DLL of another version; that the DLL has that of CMakeLists.txt is among the tests.
+check_versions() {
+    local version java
+    version=$(project_version)
+    java=$(sed -nE 's|^  <version>(.*)</version>$|\1|p' bindings/java/pom.xml)
+    [[ -n $java && $java == "$version" ]] && return 0
+    printf 'bindings/java/pom.xml has version %s, CMakeLists.txt %s\n' "$java" "$version"
+    return 1
 }
 
 check_format() {

@@ -182,33 +182,45 @@ through qlsdk.dll alone; qlsim-ctl is the hand that swipes a card, holds up a co
 and from a second terminal both may be used while the show goes on."
 }
 
-verb_demo() {
-    local gps_seconds=20 bold='' plain=''
-    case "${1:-}" in
-        "") ;;
-        --forever) gps_seconds= ;;
-        *) usage_error "demo takes --forever or nothing, not '$1'" ;;
-    esac
-    if $on_terminal && [[ -z ${NO_COLOR:-} ]]; then
-        bold=$'\e[1m' plain=$'\e[0m'
-    fi
-    plan 5
-    build_preset windows qlctl qlsim qlsim_ctl "${machine_libraries[@]}"
-    machine_up
+# On a machine that is up: the simulated devices, with empty records.
+begin_show() {
     rm -rf "$demo_record"
     mkdir -p "$demo_record"
     exec {demo_nothing}<> <(:)
     launch_simulator
     step "Starting the simulated devices" wait_for_simulator
+}
 
+end_show() {
+    end_simulator
+    forget_at_exit end_simulator
+    machine_down
+}
+
+verb_demo() {
+    local gps_seconds=20 bold='' plain=''
+    if $on_terminal && [[ -z ${NO_COLOR:-} ]]; then
+        bold=$'\e[1m' plain=$'\e[0m'
+    fi
+    case "${1:-}" in
+        "") ;;
+        --forever) gps_seconds= ;;
+        --java)
+            demo_java
+            return
+            ;;
+        *) usage_error "demo takes --forever, --java or nothing, not '$1'" ;;
+    esac
+    plan 5
+    build_preset windows qlctl qlsim qlsim_ctl "${machine_libraries[@]}"
+    machine_up
+    begin_show
     introduce
     note simulated-first qlsim-ctl status
     demo_acts "$gps_seconds"
     note simulated qlsim-ctl status
 
     printf '\n'
-    end_simulator
-    forget_at_exit end_simulator
-    machine_down
+    end_show
     python3 -B scripts/demo_summary.py "$demo_scenario" "$demo_record"
 }

@@ -14,7 +14,7 @@ on_machines() {
     local number status=0
     local -a jobs=()
     for ((number = 1; number <= machine_count; number++)); do
-        CTEST_RESOURCE_GROUP_0_MACHINES=id:$number,slots:1 "$@" &
+        QLSIM_MACHINE=$number "$@" &
         jobs+=($!)
     done
     for number in "${jobs[@]}"; do
@@ -28,18 +28,10 @@ machine_up() {
     step "Starting the simulated machine" on_machines sim/machine/up
 }
 
-# machines_up COUNT: several, which ctest hands out to tests that cannot share one.
+# machines_up COUNT: several, which are shared out to tests that cannot share one: see tests/machines.
 machines_up() {
     machine_count=$1
     machine_up
-}
-
-# What ctest has to know for that: one slot on each but the first, where all the other tests run. Wine 8's server crashes
-# now and then when a HID device comes or goes while another program is at a serial port; what runs there hangs then.
-describe_machines() {
-    local ids
-    ids=$(seq -s '"}, {"id": "' 2 "$machine_count")
-    printf '{"version": {"major": 1, "minor": 0}, "local": [{"machines": [{"id": "%s"}]}]}\n' "$ids"
 }
 
 machine_down_quietly() {

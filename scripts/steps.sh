@@ -8,6 +8,7 @@ step_log=
 declare -a failed_steps=()
 declare -a summary_lines=()
 declare -a exit_actions=()
+declare -A beside_groups=()
 
 [[ -t 1 ]] && on_terminal=true || on_terminal=false
 
@@ -151,12 +152,14 @@ step() {
     fi
 }
 
-# begin_beside COMMAND...: what only computes, begun while later steps mostly wait; it has what they leave of the
-# processors. One at a time. `step NAME finish_beside` waits for its end, has its output and fails when it failed.
+# begin_beside NAME COMMAND...: what goes on while other steps do, and has what they leave of the processors.
+# `step TITLE finish_beside NAME` waits for its end, has its output and fails when it failed.
 begin_beside() {
-    readonly beside=$PWD/build/log/beside
+    local name=$1 log=build/log/beside-$1
+    shift
     mkdir -p build/log
-    rm -f "$beside.status"
+    rm -f "$log.status"
+    [[ ${#beside_groups[@]} != 0 ]] || at_exit end_beside
     # A process group of its own, so that it can be ended with all that it started.
     set -m
     (
@@ -165,25 +168,28 @@ begin_beside() {
         (
             set -e
             "$@"
-        ) >"$beside.log" 2>&1
-        echo $? >"$beside.status"
+        ) >"$log.log" 2>&1
+        echo $? >"$log.status"
     ) 9>&- &
-    beside_group=$!
+    beside_groups[$name]=$!
     set +m
-    at_exit end_beside
 }
 
 finish_beside() {
-    while [[ ! -e $beside.status ]] && kill -0 "$beside_group" 2>/dev/null; do
+    local log=build/log/beside-$1
+    while [[ ! -e $log.status ]] && kill -0 "${beside_groups[$1]}" 2>/dev/null; do
         sleep 0.2
     done
-    cat "$beside.log"
-    [[ -e $beside.status ]] || return 1
-    return "$(<"$beside.status")"
+    cat "$log.log"
+    [[ -e $log.status ]] || return 1
+    return "$(<"$log.status")"
 }
 
 end_beside() {
-    [[ -e $beside.status ]] || kill -- "-$beside_group" 2>/dev/null
+    local name
+    for name in "${!beside_groups[@]}"; do
+        [[ -e build/log/beside-$name.status ]] || kill -- "-${beside_groups[$name]}" 2>/dev/null
+    done
 }
 
 # One run of this script at a time in one checkout: runs share the build folders and the simulated machine.

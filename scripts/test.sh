@@ -9,9 +9,10 @@ readonly test_machines=4
 declare -a test_lines=()
 tests_ran=0
 
-# passed_cases LOG: how many GoogleTest cases passed in it.
+# passed_cases LOG: how many cases of GoogleTest and of JUnit passed in it.
 passed_cases() {
-    sed -nE 's/^\[  PASSED  \] ([0-9]+) tests?\.\r?$/\1/p' "$1" | awk '{ sum += $1 } END { print sum + 0 }'
+    sed -nE 's/^\[  PASSED  \] ([0-9]+) tests?\.\r?$/\1/p; s/^\[ *([0-9]+) tests successful *\]\r?$/\1/p' "$1" |
+        awk '{ sum += $1 } END { print sum + 0 }'
 }
 
 # run_tests PRESET TITLE [REGEX]: a preset's tests, and their count for the last lines. The checked DLL has none of its
@@ -23,8 +24,7 @@ run_tests() {
         arguments+=(-j "$(nproc)")
     else
         # Tests with devices mostly wait, for the devices and for Windows: they run beside those that compute.
-        describe_machines >build/machines.json
-        arguments+=(--resource-spec-file "$PWD/build/machines.json" -j $(($(nproc) + machine_count - 1)))
+        arguments+=(-j $(($(nproc) + machine_count - 1)))
         # Once in some thousand times Wine ends a program before it has begun. A test gets one more try on the simulated
         # machine, and is named below when it needed it.
         arguments+=(--repeat until-pass:2)
@@ -36,7 +36,7 @@ run_tests() {
     fi
     [[ -z $regex ]] || arguments+=(-R "$regex" --no-tests=ignore)
     # Brief: of the cases, those that fail.
-    QLSIM_LIBRARY_DIR=$library_dir GTEST_BRIEF=1 step --soft "$title" ctest --test-dir "$tests" "${arguments[@]}"
+    QLSIM_MACHINES=$machine_count QLSIM_LIBRARY_DIR=$library_dir GTEST_BRIEF=1 step --soft "$title" ctest --test-dir "$tests" "${arguments[@]}"
 
     local verdict skipped ran
     verdict=$(grep -E '^[0-9]+% tests passed' "$step_log") || verdict='no test matches'
@@ -93,32 +93,42 @@ verb_test() {
     test_summary
 }
 
+finish_java() {
+    step --soft "Java library, begun beside the rest" finish_beside java
+    java_build_note
+    jvm_note
+}
+
 test_all() {
-    plan 18
+    plan 19
     step --soft "Text hygiene" check_hygiene
     step --soft "Format" check_format
     step --soft "Scripts" check_scripts
+    begin_beside java prepare_java
     build_preset native
     run_tests native "Unit tests, native with sanitizers"
     build_preset fuzz
     step --soft "Fuzz seeds" fuzz/run.sh --replay
     build_preset windows
-    begin_beside check_lint
+    finish_java
+    begin_beside lint check_lint
     machines_up "$test_machines"
     run_tests windows "Tests on the simulated machine"
     build_preset windows-checked
     run_tests windows-checked "Tests on the simulated machine, checked build"
     machine_down
-    step --soft "Lint, begun beside the tests" finish_beside
+    step --soft "Lint, begun beside the tests" finish_beside lint
 }
 
 test_some() {
-    plan 13
+    plan 14
+    begin_beside java prepare_java
     build_preset native
     run_named_units "$1"
     run_tests native "Native tests that match $1" "$1"
     build_preset windows
     build_preset windows-checked
+    finish_java
     machines_up "$test_machines"
     run_named_cases "$1"
     run_tests windows "Tests on the simulated machine that match $1" "$1"

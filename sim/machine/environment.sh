@@ -6,10 +6,9 @@ here=$(cd "${BASH_SOURCE[0]%/*}" && pwd)
 source_dir=${here%/sim/machine}
 # One machine serves every build folder of this checkout.
 machine=${QLSIM_MACHINE_DIR:-$source_dir/build/machine}
-# A test for which ctest has picked one of several machines runs there: the first is the one above, the others lie beside
-# it. The variable reads "id:2,slots:1".
-if [[ ${CTEST_RESOURCE_GROUP_0_MACHINES:-} =~ ^id:([0-9]+), && ${BASH_REMATCH[1]} != 1 ]]; then
-    machine+=-${BASH_REMATCH[1]}
+# There may be several, told apart by number: the first is the one above, the others lie beside it.
+if [[ ${QLSIM_MACHINE:-1} != 1 ]]; then
+    machine+=-$QLSIM_MACHINE
 fi
 
 export WINEPREFIX=$machine/prefix

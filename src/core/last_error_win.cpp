@@ -5,8 +5,6 @@
 #include "core/text.h"
 #include "core/thread_local_win.h"
 
-#include <atomic>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
@@ -23,21 +21,19 @@ ThreadLocal lastErrors;
 // Created and destroyed beside the first for symmetry; nothing is ever stored in it.
 [[maybe_unused]] ThreadLocal lastErrorsTwin;
 
-// Records of all threads, those of ended threads included. A thread that has one sees at least 1 here, so that 0 tells
-// a successful call without a look at the slot that there is nothing to erase.
-std::atomic<std::int32_t> recordCount{0};
-
 LastErrorRecord* CurrentRecord() {
     return static_cast<LastErrorRecord*>(lastErrors.Get());
 }
 
 void DestroyRecord(LastErrorRecord* record) {
     lastErrors.Set(nullptr);
-    recordCount.fetch_sub(1, std::memory_order_relaxed);
+    lastErrorCount.fetch_sub(1, std::memory_order_relaxed);
     const std::unique_ptr<LastErrorRecord> owner(record);
 }
 
 }  // namespace
+
+constinit std::atomic<std::int32_t> lastErrorCount{0};
 
 QLerr SetQlLastError(QLerr code, const char* message) {
     std::string text;
@@ -59,16 +55,13 @@ QLerr SetQlLastError(QLerr code, const char* message) {
     record->message = std::move(text);
     lastErrors.Set(record);
     if (fresh) {
-        recordCount.fetch_add(1, std::memory_order_relaxed);
+        lastErrorCount.fetch_add(1, std::memory_order_relaxed);
     }
     fresh.release();  // NOLINT(bugprone-unused-return-value): the slot owns it now
     return code;
 }
 
-QLerr ClearQlLastError() {
-    if (recordCount.load(std::memory_order_relaxed) == 0) {
-        return QLERR_OK;
-    }
+QLerr EraseQlLastError() {
     if (LastErrorRecord* record = CurrentRecord()) {
         DestroyRecord(record);
     }

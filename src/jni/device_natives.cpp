@@ -44,7 +44,11 @@ jint Java_com_norvane_quarlin_device_DeviceManager_QLDEVICE_1Initialize(JNIEnv* 
 
 // The one method of this group that raises nothing: its result is all that Java gets.
 jint Java_com_norvane_quarlin_device_DeviceManager_QLDEVICE_1Uninitialize(JNIEnv* /*env*/, jclass /*self*/) {
-    return QLDEVICE_Uninitialize();
+    try {
+        return QLDEVICE_Uninitialize();
+    } catch (...) {
+        return QLERR_INTERNAL_ERROR;
+    }
 }
 
 jboolean Java_com_norvane_quarlin_device_DeviceManager_QLDEVICE_1GetDeviceAvailable(JNIEnv* env, jclass /*self*/,

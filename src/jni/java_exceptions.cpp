@@ -2,6 +2,7 @@
 #include "jni/java_exceptions.h"
 
 #include "core/error_table.h"
+#include "jni/java_objects.h"
 #include "jni/java_text.h"
 #include "jni/java_vm.h"
 #include "jni/modified_utf8.h"
@@ -31,6 +32,40 @@ jint ThrowNew(JNIEnv* env, jclass thrown, const char* message) noexcept {
 void ForgetPending(JNIEnv* env) noexcept {
     if (env->ExceptionCheck() == JNI_TRUE) {
         env->ExceptionClear();
+    }
+}
+
+// Throws an exception of a class whose constructor takes no message. The message is that of its cause then.
+void ThrowWithCause(JNIEnv* env, jclass thrown, const char* message) {
+    const Local<jobject> exception(env, Made(env->NewObject(thrown, FindConstructor(env, thrown))));
+    const Local<jclass> causeClass(env, FindClass(env, "java/lang/RuntimeException"));
+    const Local<jstring> text(env, NewJavaString(env, message));
+    const Local<jobject> cause(
+        env, Made(env->NewObject(causeClass.Get(), FindConstructor(env, causeClass.Get(), "(Ljava/lang/String;)V"),
+                                 text.Get())));
+    jmethodID initCause = Made(env->GetMethodID(thrown, "initCause", "(Ljava/lang/Throwable;)Ljava/lang/Throwable;"));
+    const Local<jobject> itself(env, env->CallObjectMethod(exception.Get(), initCause, cause.Get()));
+    // Asked for by name: a VM that checks its callers does not take the result for an answer.
+    if (env->ExceptionCheck() == JNI_TRUE) {
+        throw JavaErrorPending{};
+    }
+    env->Throw(static_cast<jthrowable>(exception.Get()));
+}
+
+// Java's class for a buffer that is too small is one of those, and ThrowNew would give an error of the VM in its place.
+void ThrowBufferOverflow(JNIEnv* env, jclass thrown, const char* message) noexcept {
+    if (env->GetMethodID(thrown, "<init>", "(Ljava/lang/String;)V") != nullptr) {
+        ThrowNew(env, thrown, message);
+        return;
+    }
+    env->ExceptionClear();
+    try {
+        ThrowWithCause(env, thrown, message);
+    } catch (...) {
+        // The VM's own error is on its way, or there is no memory for the text.
+        if (env->ExceptionCheck() == JNI_FALSE) {
+            env->ThrowNew(thrown, nullptr);
+        }
     }
 }
 
@@ -135,7 +170,12 @@ void ThrowJavaExceptionForResult(JNIEnv* env, QLerr code) noexcept {
     if (thrown == nullptr) {
         return;
     }
-    ThrowNew(env, thrown, FetchLastError(code).message.data());
+    const LastError error = FetchLastError(code);
+    if (code == QLERR_BUFFER_OVERFLOW) {
+        ThrowBufferOverflow(env, thrown, error.message.data());
+    } else {
+        ThrowNew(env, thrown, error.message.data());
+    }
     env->DeleteLocalRef(thrown);
 }
 

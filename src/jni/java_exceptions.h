@@ -18,7 +18,8 @@ jint ThrowBarcodeJavaException(QLerr code, const char* message) noexcept;
 jint ThrowRfidJavaException(QLerr code, const char* message) noexcept;
 
 // For all other wrappers. Does nothing for QLERR_OK; takes the message from the thread's last error, and consumes it.
-// Where the VM cannot find the class, its own error is what Java gets, and the last error stays.
+// Java's class for QLERR_BUFFER_OVERFLOW takes no message: there it is the message of the exception's cause. Where the
+// VM cannot find the class, its own error is what Java gets, and the last error stays.
 void ThrowJavaExceptionForResult(JNIEnv* env, QLerr code) noexcept;
 
 // For what went wrong inside a wrapper that has no text of its own for it.

@@ -1,10 +1,15 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The DLL's export table against the public headers, as each compiler spells their names.
+"""The DLL's export table against the public headers, as each compiler spells their names, and against the native
+methods of the Java classes, as javac spells theirs.
 
-usage: check_exports.py QLSDK_DLL
+usage: check_exports.py QLSDK_DLL JAVA_SOURCES JAVA_HEADERS
+
+JAVA_HEADERS is the folder of what javac -h made of the classes in JAVA_SOURCES.
 """
 
+import re
 import sys
+from pathlib import Path
 
 from compilers import COMPILERS
 from declarations import declared_functions, imported_symbols
@@ -16,6 +21,33 @@ DO_NOTHING = ["QLMISC_ShowConsole", "QLMISC_ThreadSleep", "QLMISC_WaitForDebugge
 
 # Gives a buffer; its QLerr comes through a pointer.
 WITHOUT_CODE = ["QLBCR_dotNet_GetBarcodeDevices", "QLMSR_GetMagStripeDevices_DotNET"]
+
+JAVA_PREFIX = "Java_"
+JAVA_DECLARATION = re.compile(r"JNIEXPORT \w+ JNICALL (\w+)\s*\(")
+JAVA_NATIVE = re.compile(r"^\s*(?:(?:public|protected|private|static|final|synchronized)\s+)*native\s", re.MULTILINE)
+
+
+def java_methods(headers):
+    return [name for header in headers for name in JAVA_DECLARATION.findall(header.read_text(encoding="utf-8"))]
+
+
+def java_faults(exports, sources, folder):
+    headers = sorted(folder.glob("com_norvane_quarlin_*.h"))
+    declared = java_methods(headers)
+    exported = {name for name in exports if name.startswith(JAVA_PREFIX)}
+    if not declared:
+        yield f"no native method is declared in {folder}"
+    for name in sorted(set(declared) - exported):
+        yield f"not exported, though a Java class declares it: {name}"
+    for name in sorted(exported - set(declared)):
+        yield f"exported, but no Java class declares it: {name}"
+    # A class that nobody has named to javac -h has no header.
+    for source in sorted(sources.rglob("*.java")):
+        natives = len(JAVA_NATIVE.findall(source.read_text(encoding="utf-8")))
+        header = folder / ("_".join(source.relative_to(sources).with_suffix("").parts) + ".h")
+        methods = len(java_methods([header])) if header.exists() else 0
+        if natives != methods:
+            yield f"{source.name} declares {natives} native methods, its header {methods}"
 
 
 def declaration_faults(functions):
@@ -39,7 +71,8 @@ def table_faults(dll, exports, functions):
         for symbol in sorted(symbols - exports.keys()):
             yield f"not exported, though programs of {decoration} tools ask for it: {symbol}"
     for symbol in sorted(exports.keys() - gnu - microsoft):
-        yield f"exported, but declared in no header: {symbol}"
+        if not symbol.startswith(JAVA_PREFIX):
+            yield f"exported, but declared in no header: {symbol}"
 
     decorated = sorted(name for name in gnu if name not in microsoft)
     if not decorated:
@@ -80,7 +113,12 @@ def main():
     dll = PeFile(sys.argv[1])
     exports = dll.exports()
     functions = declared_functions("c++20")
-    faults = [*declaration_faults(functions), *table_faults(dll, exports, functions), *compiler_faults()]
+    faults = [
+        *declaration_faults(functions),
+        *table_faults(dll, exports, functions),
+        *java_faults(exports, Path(sys.argv[2]), Path(sys.argv[3])),
+        *compiler_faults(),
+    ]
     return report(faults, f"{len(functions)} functions declared, {len(exports)} names exported")
 
 

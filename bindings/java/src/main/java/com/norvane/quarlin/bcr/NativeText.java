@@ -24,7 +24,7 @@ final class NativeText {
             bytes += character < 0x80 ? 1 : character < 0x800 ? 2 : 3;
         }
         if (bytes > LIMIT) {
-            throw refusal("The " + what + " has " + bytes + " bytes, and there is room for " + LIMIT + ".");
+            throw tooLong(what, bytes + " bytes");
         }
         return text;
     }
@@ -32,9 +32,13 @@ final class NativeText {
     /** Gives back a text that the native library takes whole, as UTF-16. */
     static String wide(String text, String what) {
         if (text.length() > LIMIT) {
-            throw refusal("The " + what + " has " + text.length() + " characters, and there is room for " + LIMIT + ".");
+            throw tooLong(what, text.length() + " characters");
         }
         return text;
+    }
+
+    private static QuarlinException tooLong(String what, String length) {
+        return refusal("The " + what + " has " + length + ", and there is room for " + LIMIT + ".");
     }
 
     private static QuarlinException refusal(String message) {

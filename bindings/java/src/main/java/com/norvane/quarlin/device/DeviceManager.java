@@ -10,8 +10,8 @@ import java.io.IOException;
  *
  * <p>A method that returns an {@code int} without further meaning returns 0 when it has done what its name says. A
  * failure is thrown: {@link IllegalArgumentException}, {@link IllegalStateException}, {@link IOException},
- * {@link UnsupportedOperationException}, {@link java.nio.BufferOverflowException}, or {@link RuntimeException} for all
- * others.
+ * {@link UnsupportedOperationException}, {@link java.nio.BufferOverflowException} (its message is that of its cause), or
+ * {@link RuntimeException} for all others.
  *
  * <p>Which device each number stands for is the affair of the maker's device-check library.
  *
@@ -74,7 +74,7 @@ public final class DeviceManager {
      * Asks for all that is known of a battery.
      *
      * @param battery 1 or 2
-     * @param info    receives it; not null
+     * @param info    receives it; unchanged when the call fails; not null
      * @return 0
      * @throws IOException when the device-check library reports an overflow of its buffer
      */

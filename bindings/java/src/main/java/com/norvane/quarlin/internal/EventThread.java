@@ -37,7 +37,7 @@ public final class EventThread {
         return SHARED;
     }
 
-    /** Starts the thread when it does not run yet. */
+    /** Starts the thread when it does not run yet. It is tried again with each call when the system has none left. */
     public void start() {
         Thread running = thread;
         if (running != null && running.isAlive()) {
@@ -51,8 +51,9 @@ public final class EventThread {
             fresh.setDaemon(true);
             // Not that of whoever happens to come first.
             fresh.setContextClassLoader(EventThread.class.getClassLoader());
-            fresh.start();
+            // Known before its first event runs, which may ask.
             thread = fresh;
+            fresh.start();
         }
     }
 

@@ -42,12 +42,7 @@ public final class Failures {
         } catch (QuarlinException ready) {
             throw ready;
         } catch (IOException | RuntimeException thrown) {
-            throw new QuarlinException(codeOf(thrown), thrown.getMessage(), thrown);
-        } catch (NoSuchMethodError thrown) {
-            if (!standsForOverflow(thrown)) {
-                throw thrown;
-            }
-            throw new QuarlinException(ResultCode.BUFFER_OVERFLOW, null, thrown);
+            throw new QuarlinException(codeOf(thrown), messageOf(thrown), thrown);
         }
     }
 
@@ -70,10 +65,12 @@ public final class Failures {
         return ResultCode.INTERNAL_ERROR;
     }
 
-    // BufferOverflowException has no constructor with a message, and a VM that is told to throw it with one throws this
-    // in its place.
-    private static boolean standsForOverflow(NoSuchMethodError thrown) {
-        String message = thrown.getMessage();
-        return message != null && message.contains(BufferOverflowException.class.getSimpleName());
+    // BufferOverflowException has no constructor with a message: the native library gives it a cause that has.
+    private static String messageOf(Exception thrown) {
+        Throwable cause = thrown.getCause();
+        if (thrown instanceof BufferOverflowException && cause != null) {
+            return cause.getMessage();
+        }
+        return thrown.getMessage();
     }
 }

@@ -2,6 +2,7 @@
 package com.norvane.quarlin.internal;
 
 import java.io.File;
+import java.io.IOException;
 import java.io.InputStream;
 import java.nio.file.Files;
 import java.nio.file.InvalidPathException;
@@ -118,7 +119,7 @@ final class LibrarySearch {
             }
             copies.remove(copy);
             failures.add(inside + "copied to " + copy + ": " + failure);
-        } catch (java.io.IOException failed) {
+        } catch (IOException failed) {
             reasons.add(failed);
             failures.add(inside + "not copied: " + failed);
         }

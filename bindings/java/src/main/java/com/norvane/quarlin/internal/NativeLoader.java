@@ -2,6 +2,7 @@
 package com.norvane.quarlin.internal;
 
 import com.norvane.quarlin.Library;
+import java.net.URISyntaxException;
 import java.nio.file.Path;
 import java.nio.file.Paths;
 import java.security.CodeSource;
@@ -42,7 +43,8 @@ public final class NativeLoader {
             objection = LibraryVersion.objection(Library.QLLIB_GetSDKVersion(), file.toString(),
                     LibraryVersion.ofJar(), jar());
         } catch (UnsatisfiedLinkError foreign) {
-            objection = file + " is not the library that " + jar() + " is made for: " + foreign.getMessage();
+            objection = file + " is not the library that " + jar() + " is made for. It lacks "
+                    + foreign.getMessage() + ".";
         }
         if (objection != null) {
             throw refuse(new UnsatisfiedLinkError(objection));
@@ -104,7 +106,7 @@ public final class NativeLoader {
         }
         try {
             return Paths.get(source.getLocation().toURI()).toString();
-        } catch (java.net.URISyntaxException | RuntimeException noFile) {
+        } catch (URISyntaxException | RuntimeException noFile) {
             return source.getLocation().toString();
         }
     }

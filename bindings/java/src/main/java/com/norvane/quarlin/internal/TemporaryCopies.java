@@ -4,6 +4,7 @@ package com.norvane.quarlin.internal;
 import java.io.IOException;
 import java.io.InputStream;
 import java.nio.file.DirectoryStream;
+import java.nio.file.FileAlreadyExistsException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.time.Duration;
@@ -28,7 +29,7 @@ final class TemporaryCopies {
     /** Copies the library into a fresh folder; both go when the process ends, where the system allows it. */
     Path make(InputStream library) throws IOException {
         removeAbandoned();
-        Path folder = Files.createTempDirectory(parent, PREFIX);
+        Path folder = freshFolder();
         Path file = folder.resolve(LibrarySearch.FILE);
         try {
             Files.copy(library, file);
@@ -40,6 +41,17 @@ final class TemporaryCopies {
         folder.toFile().deleteOnExit();
         file.toFile().deleteOnExit();
         return file;
+    }
+
+    // Files.createTempDirectory gathers randomness for the name, at the network adapters too. It needs to be new only.
+    private Path freshFolder() throws IOException {
+        for (long number = System.nanoTime(); ; ++number) {
+            try {
+                return Files.createDirectory(parent.resolve(PREFIX + Long.toHexString(number)));
+            } catch (FileAlreadyExistsException taken) {
+                // By another process; the next number may be free.
+            }
+        }
     }
 
     /** Removes a copy, if the system allows it. */
