@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <span>
+#include <string>
 
 namespace quarlin::jni {
 namespace {
@@ -30,6 +31,44 @@ std::span<const Element> Elements(const Element* first, Count count) {
     return {first, static_cast<std::size_t>(count)};
 }
 
+template <typename... Arguments>
+jobject CallForObject(JNIEnv* env, jobject object, const char* method, const char* signature, Arguments... arguments) {
+    const Local<jclass> type(env, env->GetObjectClass(object));
+    jobject result = env->CallObjectMethod(object, Made(env->GetMethodID(type.Get(), method, signature)), arguments...);
+    if (env->ExceptionCheck() == JNI_TRUE) {
+        throw JavaErrorPending{};
+    }
+    return Made(result);
+}
+
+// The class of that name where another class came from.
+jclass LoadBeside(JNIEnv* env, jclass neighbour, const char* name) {
+    std::string javaName(name);
+    std::ranges::replace(javaName, '/', '.');
+    const Local<jobject> loader(env, CallForObject(env, neighbour, "getClassLoader", "()Ljava/lang/ClassLoader;"));
+    const Local<jstring> text(env, NewJavaString(env, javaName.c_str()));
+    return static_cast<jclass>(
+        CallForObject(env, loader.Get(), "loadClass", "(Ljava/lang/String;)Ljava/lang/Class;", text.Get()));
+}
+
+// On a thread without Java code FindClass asks the system's class loader alone. An application may have its classes,
+// and so these, from another one: that of the class that it wants to be called.
+jclass FindDataClass(JNIEnv* env, jclass callback, const char* name) {
+    if (jclass found = env->FindClass(name)) {
+        return found;
+    }
+    const Local<jthrowable> missing(env, env->ExceptionOccurred());
+    env->ExceptionClear();
+    try {
+        return LoadBeside(env, callback, name);
+    } catch (const JavaErrorPending&) {
+        // The first error names the class; what the second one says may be of no help.
+        env->ExceptionClear();
+        env->Throw(missing.Get());
+        throw;
+    }
+}
+
 jobject NewTrack(JNIEnv* env, const TrackClass& track, const MagStripeTrackData& data) {
     const auto buffer = Elements<std::int32_t, std::uint8_t>(data.data, data.bufferSize);
     const Local<jbyteArray> bytes(env, NewByteArray(env, buffer));
@@ -45,10 +84,11 @@ jobjectArray NewTracks(JNIEnv* env, const TrackClass& track, std::span<const Mag
     return array;
 }
 
-jobject NewSwipe(JNIEnv* env, const MagStripeData& record) {
-    TrackClass track{.type = FindClass(env, "com/norvane/quarlin/msr/MagStripeTrackData"), .constructor = nullptr};
+jobject NewSwipe(JNIEnv* env, jclass callback, const MagStripeData& record) {
+    TrackClass track{.type = FindDataClass(env, callback, "com/norvane/quarlin/msr/MagStripeTrackData"),
+                     .constructor = nullptr};
     track.constructor = FindConstructor(env, track.type, "(II[B)V");
-    jclass swipe = FindClass(env, "com/norvane/quarlin/msr/MagStripeData");
+    jclass swipe = FindDataClass(env, callback, "com/norvane/quarlin/msr/MagStripeData");
     jmethodID constructor =
         FindConstructor(env, swipe,
                         "([Lcom/norvane/quarlin/msr/MagStripeTrackData;[Lcom/norvane/quarlin/msr/MagStripeTrackData;"
@@ -70,7 +110,7 @@ void CallWithSwipe(JNIEnv* env, const MagStripeData& record) {
 
     const CallbackClass callback = msrCallbackClass.Load();
     if (callback.method != nullptr) {
-        env->CallStaticVoidMethod(callback.type, callback.method, NewSwipe(env, record));
+        env->CallStaticVoidMethod(callback.type, callback.method, NewSwipe(env, callback.type, record));
     }
 }
 

@@ -9,7 +9,6 @@
 #include <array>
 #include <cstddef>
 #include <span>
-#include <vector>
 
 #include "com_norvane_quarlin_gps_GPS.h"
 
@@ -18,27 +17,33 @@ using namespace quarlin::jni;
 namespace {
 
 constexpr std::size_t kTimeStampSize = 80;
+// Room for all that the library can tell of.
+constexpr std::size_t kMostSatellites = 150;
 
 template <typename Java, typename Native>
 Java Query(JNIEnv* env, QLerr (*function)(Native*)) noexcept {
     return quarlin::jni::Query<ResultGroup, Java, Native>(env, function);
 }
 
-jobjectArray NewSatellites(JNIEnv* env, std::span<const GpsGlonassSatellite> satellites) {
+jobject NewSatellite(JNIEnv* env, jclass type, jmethodID constructor, const GpsGlonassSatellite& record) {
+    jobject satellite = Made(env->NewObject(type, constructor));
+    Fields fields(env, satellite);
+    fields.SetInt("PRN", record.PRN);
+    fields.SetInt("Elevation", record.Elevation);
+    fields.SetInt("Azimuth", record.Azimuth);
+    fields.SetInt("SNR", record.SNR);
+    fields.SetInt("used", record.used);
+    return satellite;
+}
+
+// As many objects as were asked for: those beyond the records are zero.
+jobjectArray NewSatellites(JNIEnv* env, std::span<const GpsGlonassSatellite> records, std::size_t count) {
     const Local<jclass> type(env, FindClass(env, "com/norvane/quarlin/gps/GpsGlonassSatellite"));
     jmethodID constructor = FindConstructor(env, type.Get());
-    jobjectArray array = Made(env->NewObjectArray(static_cast<jsize>(satellites.size()), type.Get(), nullptr));
-    for (std::size_t index = 0; index < satellites.size(); ++index) {
-        jobject satellite = Made(env->NewObject(type.Get(), constructor));
-        {
-            Fields fields(env, satellite);
-            fields.SetInt("PRN", satellites[index].PRN);
-            fields.SetInt("Elevation", satellites[index].Elevation);
-            fields.SetInt("Azimuth", satellites[index].Azimuth);
-            fields.SetInt("SNR", satellites[index].SNR);
-            fields.SetInt("used", satellites[index].used);
-        }
-        StoreElement(env, array, index, satellite);
+    jobjectArray array = Made(env->NewObjectArray(static_cast<jsize>(count), type.Get(), nullptr));
+    for (std::size_t index = 0; index < count; ++index) {
+        const GpsGlonassSatellite record = index < records.size() ? records[index] : GpsGlonassSatellite{};
+        StoreElement(env, array, index, NewSatellite(env, type.Get(), constructor, record));
     }
     return array;
 }
@@ -128,11 +133,11 @@ jint Java_com_norvane_quarlin_gps_GPS_QLGPS_1GetCoordinates(JNIEnv* env, jclass 
 jobjectArray Java_com_norvane_quarlin_gps_GPS_QLGPS_1GetSatellites(JNIEnv* env, jclass /*self*/, jint count) {
     return Contain<ResultGroup>(env, kUnknownFailure, [&]() -> jobjectArray {
         const auto wanted = static_cast<std::size_t>(std::max(count, 0));
-        // One at least: a buffer of none has no place.
-        std::vector<GpsGlonassSatellite> records(std::max<std::size_t>(wanted, 1));
-        if (!Succeeded<ResultGroup>(env, QLGPS_GetSatellites(records.data(), static_cast<int>(wanted)))) {
+        std::array<GpsGlonassSatellite, kMostSatellites> records{};
+        const int capacity = static_cast<int>(std::min(wanted, records.size()));
+        if (!Succeeded<ResultGroup>(env, QLGPS_GetSatellites(records.data(), capacity))) {
             return nullptr;
         }
-        return NewSatellites(env, std::span(records).first(wanted));
+        return NewSatellites(env, records, wanted);
     });
 }

@@ -49,7 +49,11 @@ std::invoke_result_t<Body> Contain(JNIEnv* env, const char* failure, Body&& body
     try {
         return std::forward<Body>(body)();
     } catch (const JavaErrorPending&) {
-        // It is on its way.
+        // It is on its way, unless the VM had no memory for a copy of a text or an array: it gives null then, and often
+        // no error with it.
+        if (env->ExceptionCheck() == JNI_FALSE) {
+            Group::RaiseInternal(env, failure);
+        }
     } catch (...) {
         Group::RaiseInternal(env, failure);
     }

@@ -115,6 +115,27 @@ TEST_F(BarcodeDelivery, GivesAMissingSymbologyAsAnEmptyTextAndAnEmptyArray) {
     EXPECT_EQ(TakeEvents(), std::vector<Event>({{0, "12", 2, "12", "", 0, ""}}));
 }
 
+TEST_F(BarcodeDelivery, ReadsNothingThroughNullPointersAndOfNegativeLengths) {
+    Scan scan{0, "12"};
+    scan.record.symbologyId = nullptr;
+    Deliver(scan);
+    scan.record.data = nullptr;
+    Deliver(scan);
+    scan = Scan{0, "12"};
+    scan.record.dataLength = -1;
+    scan.record.symbologyIdLength = -5;
+    Deliver(scan);
+    const auto events = TakeEvents();
+    ASSERT_EQ(events.size(), 3U);
+    EXPECT_EQ(events[0].text, "12");
+    EXPECT_EQ(events[0].symbology, "");
+    EXPECT_EQ(events[0].symbologyBytes, "");
+    EXPECT_EQ(events[1].text, "");
+    EXPECT_EQ(events[1].bytes, "");
+    EXPECT_EQ(events[2].bytes, "");
+    EXPECT_EQ(events[2].symbologyBytes, "");
+}
+
 TEST_F(BarcodeDelivery, EndsTheTextsAtAZeroByteAndKeepsAllBytes) {
     Deliver({0, "ab\0cd"sv, "A\0"sv});
     EXPECT_EQ(TakeEvents(), std::vector<Event>({{0, "ab", 5, "ab\0cd"s, "A", 2, "A\0"s}}));

@@ -157,6 +157,15 @@ TEST_P(BarcodeTextArgument, ThatTheVmCannotGiveEndsTheCall) {
     EXPECT_EQ(flat.Error(), (FlatError{QLERR_IO_ERROR, "Of an earlier call"}));
 }
 
+// A VM without memory for the copy need not say so.
+TEST_P(BarcodeTextArgument, ThatTheVmKeepsWithoutAnErrorIsAFailureOfOurOwn) {
+    vm.FailOn("GetStringUTFChars", 1, JNI_ENOMEM);
+    NativeCall call(vm);
+    EXPECT_EQ(GetParam().with(vm.String("text"))(call).number, 0);
+    EXPECT_EQ(call.Thrown(), BarcodeFailure(QLERR_INTERNAL_ERROR, "An unknown error occurred"));
+    EXPECT_EQ(flat.TakeCalls(), Calls{});
+}
+
 TEST_P(BarcodeTextArgument, IsReleasedWhateverTheLibrarySays) {
     for (const std::function<QLerr()>& body :
          {kThrowsBadAlloc, kThrowsInt, std::function<QLerr()>([] { return QLERR_IO_ERROR; })}) {

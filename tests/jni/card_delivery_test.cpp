@@ -157,6 +157,22 @@ TEST_F(CardDelivery, GivesATrackWithoutABufferAsAnEmptyArray) {
     ExpectSwipe(TakeSwipes().at(0), swipe);
 }
 
+TEST_F(CardDelivery, ReadsNothingThroughNullPointersAndOfNegativeCounts) {
+    Swipe swipe;
+    swipe.tracks[0].data = nullptr;
+    swipe.tracks[1].bufferSize = -1;
+    swipe.record.maskedTrackCount = -1;
+    swipe.record.raw = nullptr;
+    Deliver(swipe);
+    const JavaRef object = TakeSwipes().at(0);
+    const auto tracks = ObjectsOf(std::get<JavaRef>(object->arguments[0]));
+    ASSERT_EQ(tracks.size(), 2U);
+    EXPECT_EQ(BytesOf(std::get<JavaRef>(tracks[0]->arguments[2])), Bytes());
+    EXPECT_EQ(BytesOf(std::get<JavaRef>(tracks[1]->arguments[2])), Bytes());
+    EXPECT_EQ(ObjectsOf(std::get<JavaRef>(object->arguments[1])).size(), 0U);
+    EXPECT_EQ(BytesOf(std::get<JavaRef>(object->arguments[2])), Bytes());
+}
+
 TEST_F(CardDelivery, AsksForTheExtrasInAZeroedBufferEachTime) {
     std::vector<bool> zeroed;
     const void* buffer = nullptr;
@@ -245,6 +261,31 @@ TEST_F(CardDelivery, MissingClassesAndConstructorsLoseTheSwipeAlone) {
     EXPECT_EQ(TakeSwipes(), std::vector<JavaRef>());
     Deliver(Swipe());
     EXPECT_EQ(TakeSwipes().size(), 1U);
+}
+
+TEST_F(CardDelivery, FindsClassesThatOnlyTheListenersClassLoaderHas) {
+    // As in an application server: FindClass knows none of the application's classes on a thread without Java code.
+    vm.DefineClass("java/lang/ClassLoader")
+        .Method("loadClass", "(Ljava/lang/String;)Ljava/lang/Class;", [this](JavaCall& call) {
+            std::u16string name = call.Object(0)->characters;
+            std::ranges::replace(name, u'.', u'/');
+            call.result = vm.Class(std::string(name.begin(), name.end())).object;
+        });
+    const JavaRef loader = vm.New("java/lang/ClassLoader");
+    JavaRef asked;
+    vm.Class("java/lang/Class").Method("getClassLoader", "()Ljava/lang/ClassLoader;", [&](JavaCall& call) {
+        asked = call.self;
+        call.result = loader;
+    });
+    vm.HideClass(kTrack);
+    vm.HideClass(kSwipe);
+    const Swipe swipe;
+    Deliver(swipe);
+    EXPECT_EQ(vm.TakeUncaught(), std::vector<JavaException>());
+    const auto swipes = TakeSwipes();
+    ASSERT_EQ(swipes.size(), 1U);
+    ExpectSwipe(swipes[0], swipe);
+    EXPECT_EQ(asked, vm.Class(kSwipeEvents).object);
 }
 
 TEST_F(CardDelivery, OutOfMemoryAtAnyStepLosesTheSwipeAlone) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The methods of the card reader, and the two functions that some of them call one after the other.
 #include "card_reader_method.h"
-#include "jni/card_delivery.h"
-#include "missing_method_notice.h"
 
 #include <gtest/gtest.h>
 
@@ -208,7 +206,6 @@ TEST_P(CardReaderSteps, RaiseTheLaterOfTwoFailures) {
 TEST_P(CardReaderSteps, RaiseTheFirstFailureBeforeTheSecondFunction) {
     flat.Fails(GetParam().first, QLERR_INVALID_STATE, "First");
     std::optional<JavaException> pending;
-    std::optional<FlatError> error;
     GetParam().secondScript(flat, GetParam().second, [&] {
         pending = vm.Pending();
         return QLERR_OK;

@@ -233,7 +233,7 @@ TEST_F(GpsSatellites, AreOneObjectForEachOfTheNumberAskedFor) {
             EXPECT_EQ(ValuesOf(satellite), i < published ? (std::vector<jint>{i + 1, -i, 300 + i, 1000 * i, i % 2})
                                                          : std::vector<jint>(5, 0));
         }
-        EXPECT_EQ(flat_.TakeCalls(), Calls({"QLGPS_GetSatellites(" + std::to_string(count) + ")"}));
+        EXPECT_EQ(flat_.TakeCalls(), Calls({"QLGPS_GetSatellites(" + std::to_string(published) + ")"}));
         EXPECT_EQ(call.Locals(), 1);
         EXPECT_LE(call.PeakLocals(), 6);
     }
@@ -276,7 +276,7 @@ TEST_F(GpsSatellites, OfNoneOrFewerAreAnEmptyArray) {
         Publish(1);
         NativeCall tooMany(vm_);
         EXPECT_EQ(Ask(tooMany, count), nullptr);
-        EXPECT_EQ(tooMany.Thrown(), (JavaException{"java/nio/BufferOverflowException", "QLGPS_GetSatellites failed"}));
+        EXPECT_EQ(tooMany.Thrown(), BufferOverflow("QLGPS_GetSatellites failed"));
         flat_.TakeCalls();
     }
 }

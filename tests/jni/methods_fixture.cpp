@@ -64,7 +64,7 @@ const std::vector<RaisedFailure>& ResultFailures() {
             {QLERR_IO_ERROR, {kIoException, kMessage}},
             {QLERR_OP_UNSUPPORTED, {kUnsupported, kMessage}},
             {QLERR_INTERNAL_ERROR, {kRuntimeException, kMessage}},
-            {QLERR_BUFFER_OVERFLOW, {"java/nio/BufferOverflowException", kMessage}},
+            {QLERR_BUFFER_OVERFLOW, BufferOverflow(kMessage)},
         };
         for (const QLerr code : OtherCodes()) {
             all.push_back({code, {kRuntimeException, kMessage}});

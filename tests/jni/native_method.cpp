@@ -46,7 +46,10 @@ JavaException PlainFailure(QLerr code, const std::string& message) {
     if (const char* const standard = StandardClass(code)) {
         return {standard, message};
     }
-    return {code == QLERR_BUFFER_OVERFLOW ? "java/nio/BufferOverflowException" : "java/lang/RuntimeException", message};
+    if (code == QLERR_BUFFER_OVERFLOW) {
+        return BufferOverflow(message);
+    }
+    return {"java/lang/RuntimeException", message};
 }
 
 NativeMethodTest::NativeMethodTest() {

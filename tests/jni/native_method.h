@@ -8,8 +8,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <new>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 namespace quarlin::test {

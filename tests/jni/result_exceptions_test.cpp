@@ -27,7 +27,11 @@ TEST_P(ResultExceptions, CarryTheLastErrorAndConsumeIt) {
     flat.LeaveError(code, "The port cannot be opened.");
     NativeCall call(vm);
     jni::ThrowJavaExceptionForResult(call.Env(), code);
-    EXPECT_EQ(call.Thrown(), Thrown({GetParam().className, "The port cannot be opened."}));
+    if (code == QLERR_BUFFER_OVERFLOW) {
+        EXPECT_EQ(call.Thrown(), BufferOverflow("The port cannot be opened."));
+    } else {
+        EXPECT_EQ(call.Thrown(), Thrown({GetParam().className, "The port cannot be opened."}));
+    }
     EXPECT_EQ(flat.Error(), std::nullopt);
     EXPECT_EQ(flat.TakeHelperCalls(), Calls({"QLAPI_GetLastError(250)"}));
     EXPECT_EQ(call.Locals(), 0);
@@ -58,6 +62,36 @@ INSTANTIATE_TEST_SUITE_P(Codes, ResultExceptions,
                          [](const auto& row) { return row.param.name; });
 
 using ResultException = JavaFrame;
+
+TEST_F(ResultException, OfABufferIsTheVmsErrorWhereItsCauseCannotBeMade) {
+    const std::vector<std::pair<const char*, int>> steps{
+        {"NewObject", 1}, {"NewObject", 2}, {"NewStringUTF", 1}, {"CallObjectMethod", 1}, {"Throw", 1}};
+    for (const auto& [entry, nth] : steps) {
+        vm.FailOn(entry, nth);
+        flat.LeaveError(QLERR_BUFFER_OVERFLOW, "too small");
+        NativeCall call(vm);
+        jni::ThrowJavaExceptionForResult(call.Env(), QLERR_BUFFER_OVERFLOW);
+        EXPECT_EQ(call.Thrown()->className, "java/lang/OutOfMemoryError") << entry << ' ' << nth;
+        EXPECT_EQ(call.Locals(), 0);
+        EXPECT_EQ(flat.Error(), std::nullopt);
+    }
+    // The third look-up is that of the cause's constructor, the fourth that of initCause.
+    for (const int nth : {2, 3, 4}) {
+        vm.FailOn("GetMethodID", nth);
+        NativeCall call(vm);
+        jni::ThrowJavaExceptionForResult(call.Env(), QLERR_BUFFER_OVERFLOW);
+        EXPECT_EQ(call.Thrown()->className, "java/lang/NoSuchMethodError") << nth;
+        EXPECT_EQ(call.Locals(), 0);
+    }
+}
+
+TEST_F(ResultException, OfABufferCarriesItsMessageItselfWhereTheClassCan) {
+    vm.Class("java/nio/BufferOverflowException").Constructor("(Ljava/lang/String;)V");
+    flat.LeaveError(QLERR_BUFFER_OVERFLOW, "too small");
+    NativeCall call(vm);
+    jni::ThrowJavaExceptionForResult(call.Env(), QLERR_BUFFER_OVERFLOW);
+    EXPECT_EQ(call.Thrown(), Thrown({"java/nio/BufferOverflowException", "too small"}));
+}
 
 TEST_F(ResultException, SuccessDoesNothing) {
     flat.LeaveError(QLERR_IO_ERROR, "of another call");

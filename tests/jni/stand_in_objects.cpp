@@ -37,7 +37,12 @@ const std::vector<Element>& ElementsOf(const JavaRef& array, const char* what) {
 }  // namespace
 
 std::ostream& operator<<(std::ostream& stream, const JavaException& exception) {
-    return stream << exception.className << ": " << exception.message.value_or("(null)");
+    stream << exception.className << ": " << exception.message.value_or("(null)");
+    return exception.cause ? stream << " (" << *exception.cause << ')' : stream;
+}
+
+JavaException BufferOverflow(const std::string& message) {
+    return {"java/nio/BufferOverflowException", std::nullopt, "java/lang/RuntimeException: " + message};
 }
 
 jint JavaCall::Int(std::size_t index) const {
@@ -206,6 +211,10 @@ JavaException ExceptionOf(const JavaRef& throwable) {
     JavaException exception{throwable->type->Name(), std::nullopt};
     if (throwable->message) {
         exception.message = ToUtf8(*throwable->message);
+    }
+    if (throwable->cause) {
+        const JavaException cause = ExceptionOf(throwable->cause);
+        exception.cause = cause.className + ": " + cause.message.value_or("(null)");
     }
     return exception;
 }

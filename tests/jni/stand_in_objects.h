@@ -29,11 +29,16 @@ using JavaValue = std::variant<JavaRef, jboolean, jbyte, jchar, jshort, jint, jl
 struct JavaException {
     std::string className;
     std::optional<std::string> message;
+    // "CLASS: MESSAGE" of its cause; nothing when it has none.
+    std::optional<std::string> cause = std::nullopt;
 
     bool operator==(const JavaException&) const = default;
 };
 
 std::ostream& operator<<(std::ostream& stream, const JavaException& exception);
+
+// Java's exception for a buffer that is too small has no constructor for a message: it is told by the cause.
+JavaException BufferOverflow(const std::string& message);
 
 // One call that arrives in "Java": the code of a method or of a constructor that a test supplies.
 struct JavaCall {
@@ -133,6 +138,7 @@ struct JavaObject {
     std::vector<JavaValue> arguments;
     std::u16string characters;              // java/lang/String
     std::optional<std::u16string> message;  // java/lang/Throwable
+    JavaRef cause;                          // likewise
     JavaClass* represented = nullptr;       // java/lang/Class
     Elements elements;                      // arrays
     std::vector<jint> releaseModes;         // arrays: the mode of every Release...ArrayElements, in order

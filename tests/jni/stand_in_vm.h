@@ -82,10 +82,11 @@ class StandInVm {
 
     // --- failures to order ---
     // The nth call of an entry from now on fails once: "NewByteArray" and the other New..., "GetStringUTFChars" and the
-    // other pins: null and OutOfMemoryError; "FindClass", "GetMethodID" and the other look-ups: null and their error;
-    // "NewGlobalRef": null; "AttachCurrentThread", "GetJavaVM", "EnsureLocalCapacity": code (JNI_ERR when not given);
-    // "GetEnv": code, and no environment. The names "NewObject" and "CallStaticVoidMethod" stand for all three forms of
-    // the call; a call fails with OutOfMemoryError and never reaches Java.
+    // other pins: null and OutOfMemoryError (a pin with a code: null, and no error); "FindClass", "GetMethodID" and the
+    // other look-ups: null and their error; "NewGlobalRef": null; "AttachCurrentThread", "GetJavaVM",
+    // "EnsureLocalCapacity": code (JNI_ERR when not given); "GetEnv": code, and no environment. The names "NewObject"
+    // and "CallStaticVoidMethod" stand for all three forms of the call; a call fails with OutOfMemoryError and never
+    // reaches Java.
     void FailOn(const std::string& entry, int nth = 1);
     void FailOn(const std::string& entry, int nth, jint code);
     // Whether all ordered failures have happened. Forgets those that have not.

@@ -51,7 +51,7 @@ Type* GetElements(Entry& entry, jarray reference, char kind, jboolean* isCopy) {
         return nullptr;
     }
     if (entry.Failed()) {
-        entry.OutOfMemory();
+        entry.NoMemoryForACopy();
         return nullptr;
     }
     if (isCopy != nullptr) {

@@ -106,6 +106,10 @@ jint JNICALL Throw(JNIEnv* env, jthrowable reference) {
         entry.Violate("not a throwable: an object of " + throwable->type->Name());
         return JNI_ERR;
     }
+    if (entry.Failed()) {
+        entry.OutOfMemory();
+        return entry.FailureCode();
+    }
     entry.thread.pending = throwable;
     return JNI_OK;
 }

@@ -63,7 +63,7 @@ const char* JNICALL GetStringUTFChars(JNIEnv* env, jstring reference, jboolean* 
         return nullptr;
     }
     if (entry.Failed()) {
-        entry.OutOfMemory();
+        entry.NoMemoryForACopy();
         return nullptr;
     }
     if (isCopy != nullptr) {
@@ -80,7 +80,7 @@ const jchar* JNICALL GetStringChars(JNIEnv* env, jstring reference, jboolean* is
         return nullptr;
     }
     if (entry.Failed()) {
-        entry.OutOfMemory();
+        entry.NoMemoryForACopy();
         return nullptr;
     }
     if (isCopy != nullptr) {

@@ -48,7 +48,6 @@ constexpr std::array kExceptions{
     KnownClass{"java/lang/IndexOutOfBoundsException", "java/lang/RuntimeException"},
     KnownClass{"java/lang/ArrayIndexOutOfBoundsException", "java/lang/IndexOutOfBoundsException"},
     KnownClass{"java/lang/StringIndexOutOfBoundsException", "java/lang/IndexOutOfBoundsException"},
-    KnownClass{"java/nio/BufferOverflowException", "java/lang/RuntimeException"},
     KnownClass{"java/io/IOException", "java/lang/Exception"},
     KnownClass{"java/lang/Error", "java/lang/Throwable"},
     KnownClass{"java/lang/LinkageError", "java/lang/Error"},
@@ -94,6 +93,13 @@ VmCore::VmCore() {
     for (const KnownClass& known : kExceptions) {
         Define(known.name, known.parent).Constructor("()V").Constructor("(Ljava/lang/String;)V");
     }
+    // As in Java itself.
+    Define("java/nio/BufferOverflowException", "java/lang/RuntimeException").Constructor("()V");
+    classes.at("java/lang/Throwable")
+        ->Method("initCause", "(Ljava/lang/Throwable;)Ljava/lang/Throwable;", [](JavaCall& call) {
+            call.self->cause = call.Object(0);
+            call.result = call.self;
+        });
 }
 
 void VmCore::Violate(const std::string& text) {

@@ -133,6 +133,12 @@ class Entry {
     void Violate(const std::string& text);
     void Raise(const std::string& className, const std::string& message) { core.Raise(thread, className, message); }
     void OutOfMemory() { Raise("java/lang/OutOfMemoryError", std::string(name_) + " was ordered to fail"); }
+    // For a copy of a text or an array: a VM may well give null and no error.
+    void NoMemoryForACopy() {
+        if (!failure_->code) {
+            OutOfMemory();
+        }
+    }
     // The next call must ask for an exception first.
     void MustBeAsked() { thread.unasked = name_; }
 

@@ -107,9 +107,6 @@ class Aid {
                 Wide(name), use == "shared" ? SharedTurn::Use::kShared : SharedTurn::Use::kExclusive, kPatience);
             return "ok";
         }
-        if (command == "let-go") {
-            return mutexes_.erase(name) + turns_.erase(name) == 1 ? "ok" : "error nobody holds " + name;
-        }
         if (command == "handles") {
             return "ok " + std::to_string(CountHandles(static_cast<DWORD>(std::stoul(name))));
         }

@@ -35,7 +35,8 @@ import java.util.Objects;
  * <p>All methods may be called on any thread, also by a listener; they take turns. A call can take a while:
  * {@link #open()} and {@link #devices()} look for the scanner, for two seconds and more when there is none, and
  * {@link #enable()} tries for several seconds, for minutes when the 2-D barcode emulator program has to hand the
- * scanner over.
+ * scanner over. Looking for the scanner waits for calls of the device inventory, and keeps them waiting: the native
+ * library asks it.
  *
  * <p>Every method may throw a {@link QuarlinException} with these codes, in addition to what it says itself:
  * {@code INVALID_STATE} when the scanner is closed, or not enabled and has to be; {@code INTERNAL_ERROR} when the
@@ -53,14 +54,20 @@ public final class BarcodeScanner implements AutoCloseable {
     private BarcodeScanner(ScannerStates states) {
         this.states = states;
         session = FAMILY.open(() -> {
-            states.initialize();
-            // Left by a close() that could not end the connection.
+            initialize(states);
+            // Left by a close() that could not end the connection. Settings are left with it.
             if (states.isEnabled()) {
                 states.disable();
+                states.uninitialize();
+                initialize(states);
             }
             ScanDispatcher.deliverTo(listeners);
             return null;
         });
+    }
+
+    private static void initialize(ScannerStates states) {
+        Family.DEVICE_INVENTORY.alone(states::initialize);
     }
 
     /**
@@ -71,13 +78,13 @@ public final class BarcodeScanner implements AutoCloseable {
      */
     public static List<BarcodeDevice> devices() {
         NativeLoader.load();
-        int count = Failures.translate(QlBarcode::nQLBCR_GetNoOfBarcodeDevices);
+        int count = Family.DEVICE_INVENTORY.alone(QlBarcode::nQLBCR_GetNoOfBarcodeDevices);
         if (count == 0) {
             // Asking again would look again, which takes its time.
             return Collections.emptyList();
         }
         List<BarcodeDevice> devices = new ArrayList<>();
-        for (Object info : Failures.translate(
+        for (Object info : Family.DEVICE_INVENTORY.alone(
                 () -> QlBarcode.QLBCR_GetBarcodeDevices(BarcodeDeviceInfo.class, count))) {
             devices.add(BarcodeDevice.of((BarcodeDeviceInfo) info));
         }
@@ -119,7 +126,7 @@ public final class BarcodeScanner implements AutoCloseable {
      * @throws QuarlinException INVALID_ARGUMENT when the list has no such place; otherwise as {@link #open()}
      */
     public void select(int index) {
-        session.change(() -> QlBarcode.nQLBCR_SelectDevice(index));
+        session.change(() -> Family.DEVICE_INVENTORY.alone(() -> QlBarcode.nQLBCR_SelectDevice(index)));
     }
 
     /**

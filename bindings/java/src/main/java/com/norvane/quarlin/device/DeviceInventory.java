@@ -25,7 +25,8 @@ import java.util.List;
  * <p>Devices are numbers from 1 to 15, batteries are 1 and 2. Which device a number stands for is the affair of the
  * maker's device-check library: ask the maker's papers for the model. Each question asks that library anew.
  *
- * <p>May be used on any thread; calls take turns. Any number of inventories may be open at once, each to be closed.
+ * <p>May be used on any thread; calls take turns, also with those that look for the barcode scanner, which can take two
+ * seconds and more. Any number of inventories may be open at once, each to be closed.
  * Every method but {@link #close()} throws {@link QuarlinException} with result code 2 (invalid state) when its
  * inventory is closed. The questions throw it with 1 (invalid argument) when the number is out of range, and with 1 to
  * 5 for what the device-check library reports.
@@ -43,7 +44,7 @@ public final class DeviceInventory implements AutoCloseable {
     /** Number of the last battery that there may be. */
     public static final int LAST_BATTERY = 2;
 
-    private static final Family FAMILY = Family.counted("device inventory");
+    private static final Family FAMILY = Family.DEVICE_INVENTORY;
 
     private final Session session;
 

@@ -10,8 +10,8 @@ import java.io.IOException;
  *
  * <p>A method that returns an {@code int} without further meaning returns 0 when it has done what its name says. A
  * failure is thrown: {@link IllegalArgumentException}, {@link IllegalStateException}, {@link IOException},
- * {@link UnsupportedOperationException}, {@link java.nio.BufferOverflowException} (its message is that of its cause), or
- * {@link RuntimeException} for all others.
+ * {@link UnsupportedOperationException}, {@link java.nio.BufferOverflowException} (its message is that of its cause),
+ * or {@link RuntimeException} for all others.
  *
  * <p>Which device each number stands for is the affair of the maker's device-check library.
  *

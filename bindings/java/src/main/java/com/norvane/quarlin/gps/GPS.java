@@ -10,8 +10,8 @@ import java.io.IOException;
  *
  * <p>A method that returns an {@code int} without further meaning returns 0 when it has done what its name says. A
  * failure is thrown: {@link IllegalArgumentException}, {@link IllegalStateException}, {@link IOException},
- * {@link UnsupportedOperationException}, {@link java.nio.BufferOverflowException} (its message is that of its cause), or
- * {@link RuntimeException} for all others.
+ * {@link UnsupportedOperationException}, {@link java.nio.BufferOverflowException} (its message is that of its cause),
+ * or {@link RuntimeException} for all others.
  *
  * <p>Values are those of the receiver, as its sentences give them: 0 until the first sentence, then the last value that
  * was sent, also when the receiver has lost its fix.

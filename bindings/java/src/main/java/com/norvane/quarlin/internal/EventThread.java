@@ -49,11 +49,11 @@ public final class EventThread {
             }
             Thread fresh = new Thread(this::run, name);
             fresh.setDaemon(true);
-            // Not that of whoever happens to come first.
+            // Neither is that of whoever happens to come first.
             fresh.setContextClassLoader(EventThread.class.getClassLoader());
-            // Known before its first event runs, which may ask.
-            thread = fresh;
+            fresh.setPriority(Thread.NORM_PRIORITY);
             fresh.start();
+            thread = fresh;
         }
     }
 
@@ -65,15 +65,6 @@ public final class EventThread {
     public void post(Runnable event) {
         events.add(Objects.requireNonNull(event));
         start();
-    }
-
-    /**
-     * Asks whether the caller is an event.
-     *
-     * @return whether the calling thread is this one
-     */
-    public boolean isCurrent() {
-        return Thread.currentThread() == thread;
     }
 
     /**

@@ -15,6 +15,12 @@ import java.util.concurrent.locks.ReentrantReadWriteLock;
  * <p>No code of the application runs under the lock.
  */
 public final class Family {
+    /**
+     * The device inventory. It is here because the native library asks it, too, when it looks for the barcode scanner,
+     * and takes no lock for it.
+     */
+    public static final Family DEVICE_INVENTORY = counted("device inventory");
+
     private final String name;
     private final boolean counted;
     private final ReadWriteLock lock = new ReentrantReadWriteLock();
@@ -65,6 +71,25 @@ public final class Family {
             Failures.translate(initialize);
             ++open;
             return new Session(this);
+        } finally {
+            alone.unlock();
+        }
+    }
+
+    /**
+     * Makes a native call of another family that uses this one underneath, while no session of this one makes any. May
+     * be called within a call of the other family, as long as none of this one does the reverse.
+     *
+     * @param call the call
+     * @param <T>  what it returns
+     * @return what it returned
+     * @throws QuarlinException what the call threw
+     */
+    public <T> T alone(NativeCall<T> call) {
+        Lock alone = lock.writeLock();
+        alone.lock();
+        try {
+            return Failures.translate(call);
         } finally {
             alone.unlock();
         }

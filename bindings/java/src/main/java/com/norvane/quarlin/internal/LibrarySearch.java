@@ -35,7 +35,8 @@ final class LibrarySearch {
      *
      * @param osName name of the operating system, as Java gives it
      * @param osArch its architecture, as Java gives it
-     * @param system loads the file with an absolute path, or throws an {@link UnsatisfiedLinkError}
+     * @param system loads the file with an absolute path, or throws an {@link UnsatisfiedLinkError}, or an exception
+     *               when it is not allowed to
      */
     LibrarySearch(String osName, String osArch, Consumer<Path> system) {
         platform = osName + " on " + osArch;
@@ -139,6 +140,10 @@ final class LibrarySearch {
             String text = String.valueOf(refused.getMessage());
             String prefix = file + ": ";
             return text.startsWith(prefix) ? text.substring(prefix.length()) : text;
+        } catch (RuntimeException forbidden) {
+            // A VM that was told to refuse native access does it so, and not with a link error.
+            reasons.add(forbidden);
+            return forbidden.toString();
         }
     }
 

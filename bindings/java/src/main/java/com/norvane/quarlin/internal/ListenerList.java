@@ -79,6 +79,8 @@ public final class ListenerList<L> {
                 continue;
             }
             try {
+                // Left by the one before, it would end what this one waits for.
+                Thread.interrupted();
                 delivery.accept(listener);
             } catch (Throwable failure) {
                 EventThread.report(failure);

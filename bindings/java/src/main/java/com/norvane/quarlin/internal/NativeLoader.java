@@ -10,7 +10,9 @@ import java.security.CodeSource;
 /**
  * Loads {@code qlsdk.dll}, once, and makes sure that it goes with the jar.
  *
- * <p>The library belongs to the class loader of this class, as its native methods do. All methods may be called on any
+ * <p>The library belongs to the class loader of this class, as its native methods do: a second class loader cannot have
+ * the same file, and finds another one or makes a copy. That one has a state of its own and shares no lock with this
+ * one. All methods may be called on any
  * thread.
  */
 public final class NativeLoader {

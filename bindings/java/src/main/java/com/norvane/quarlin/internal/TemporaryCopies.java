@@ -6,7 +6,9 @@ import java.io.InputStream;
 import java.nio.file.DirectoryStream;
 import java.nio.file.FileAlreadyExistsException;
 import java.nio.file.Files;
+import java.nio.file.LinkOption;
 import java.nio.file.Path;
+import java.nio.file.attribute.BasicFileAttributes;
 import java.time.Duration;
 import java.time.Instant;
 
@@ -23,7 +25,8 @@ final class TemporaryCopies {
     private final Path parent;
 
     TemporaryCopies(Path parent) {
-        this.parent = parent;
+        // Nothing is loaded by a relative path.
+        this.parent = parent.toAbsolutePath();
     }
 
     /** Copies the library into a fresh folder; both go when the process ends, where the system allows it. */
@@ -68,13 +71,22 @@ final class TemporaryCopies {
         Instant limit = Instant.now().minus(ABANDONED);
         try (DirectoryStream<Path> folders = Files.newDirectoryStream(parent, PREFIX + "*")) {
             for (Path folder : folders) {
-                Path file = folder.resolve(LibrarySearch.FILE);
-                if (Files.isRegularFile(file) && Files.getLastModifiedTime(folder).toInstant().isBefore(limit)) {
-                    remove(file);
+                if (isAbandoned(folder, limit)) {
+                    remove(folder.resolve(LibrarySearch.FILE));
                 }
             }
         } catch (IOException | RuntimeException unreadable) {
             // Tidying is no reason to fail.
         }
+    }
+
+    // Others may write here, too: a link would lead to a library that is somebody else's. To Java a junction of
+    // Windows is a folder that is something else as well.
+    private static boolean isAbandoned(Path folder, Instant limit) throws IOException {
+        BasicFileAttributes attributes =
+                Files.readAttributes(folder, BasicFileAttributes.class, LinkOption.NOFOLLOW_LINKS);
+        return attributes.isDirectory() && !attributes.isOther()
+                && attributes.lastModifiedTime().toInstant().isBefore(limit)
+                && Files.isRegularFile(folder.resolve(LibrarySearch.FILE), LinkOption.NOFOLLOW_LINKS);
     }
 }

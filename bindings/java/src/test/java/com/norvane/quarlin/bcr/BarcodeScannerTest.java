@@ -10,7 +10,9 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 import com.norvane.quarlin.QuarlinException;
 import com.norvane.quarlin.ResultCode;
 import com.norvane.quarlin.internal.EventThread;
+import com.norvane.quarlin.internal.Family;
 import com.norvane.quarlin.internal.Latches;
+import com.norvane.quarlin.internal.Session;
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Paths;
@@ -189,7 +191,9 @@ class BarcodeScannerTest {
         try (BarcodeScanner next = BarcodeScanner.open(family)) {
             next.enable();
         }
-        assertEquals(Arrays.asList("initialize", "disable", "enable", "disable", "uninitialize"), family.calls);
+        // From the beginning, because the settings are left as well.
+        assertEquals(Arrays.asList("initialize", "disable", "uninitialize", "initialize", "enable", "disable",
+            "uninitialize"), family.calls);
     }
 
     @Test
@@ -223,6 +227,29 @@ class BarcodeScannerTest {
                 assertThrows(QuarlinException.class, scanner::enable));
             assertFalse(scanner.isEnabled());
         }
+    }
+
+    @Test
+    void theScannerIsLookedForWhileNobodyAsksTheDeviceInventory() throws InterruptedException {
+        CountDownLatch asking = new CountDownLatch(1);
+        CountDownLatch release = new CountDownLatch(1);
+        Session inventory = Family.DEVICE_INVENTORY.open(() -> 0);
+        Thread asker = new Thread(() -> inventory.change(() -> {
+            asking.countDown();
+            Latches.await(release);
+            return 0;
+        }));
+        Thread opener = new Thread(() -> BarcodeScanner.open(family).close());
+        asker.start();
+        Latches.await(asking);
+        opener.start();
+        Latches.awaitBlocked(opener);
+        assertEquals(Collections.emptyList(), family.calls);
+        release.countDown();
+        opener.join();
+        asker.join();
+        inventory.close();
+        assertEquals(Arrays.asList("initialize", "uninitialize"), family.calls);
     }
 
     @Test

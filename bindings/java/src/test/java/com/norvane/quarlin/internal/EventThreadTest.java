@@ -47,12 +47,24 @@ class EventThreadTest {
     }
 
     @Test
-    void anEventKnowsThatItIsOne() {
-        AtomicBoolean inside = new AtomicBoolean();
-        thread.post(() -> inside.set(thread.isCurrent()));
+    void itsPriorityIsNotThatOfWhoeverStartsIt() throws InterruptedException {
+        Thread first = new Thread(thread::start);
+        first.setPriority(Thread.MIN_PRIORITY);
+        first.start();
+        first.join();
+        AtomicReference<Integer> priority = new AtomicReference<>();
+        thread.post(() -> priority.set(Thread.currentThread().getPriority()));
         Latches.drain(thread);
-        assertTrue(inside.get());
-        assertFalse(thread.isCurrent());
+        assertEquals(Thread.NORM_PRIORITY, priority.get());
+    }
+
+    @Test
+    void anEventMayPostAnother() {
+        AtomicBoolean ran = new AtomicBoolean();
+        thread.post(() -> thread.post(() -> ran.set(true)));
+        Latches.drain(thread);
+        Latches.drain(thread);
+        assertTrue(ran.get());
     }
 
     @Test

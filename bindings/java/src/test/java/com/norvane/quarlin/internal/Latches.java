@@ -20,6 +20,17 @@ public final class Latches {
         }
     }
 
+    /** Waits until a thread waits for a lock. */
+    public static void awaitBlocked(Thread thread) {
+        long deadline = System.nanoTime() + TimeUnit.MINUTES.toNanos(1);
+        while (thread.getState() != Thread.State.WAITING) {
+            if (thread.getState() == Thread.State.TERMINATED || System.nanoTime() > deadline) {
+                throw new AssertionError("the thread does not wait: " + thread.getState());
+            }
+            Thread.yield();
+        }
+    }
+
     /** Waits until everything that was posted before has run. */
     public static void drain(EventThread thread) {
         CountDownLatch done = new CountDownLatch(1);

@@ -173,6 +173,22 @@ class LibrarySearchTest {
     }
 
     @Test
+    void aVmThatForbidsLoadingIsTold() throws IOException {
+        Path file = library("folder");
+        RuntimeException forbidden = new IllegalStateException("Illegal native access");
+        LibrarySearch search = new LibrarySearch("Windows 11", "amd64", path -> {
+            asked.add(path);
+            throw forbidden;
+        });
+        UnsatisfiedLinkError error = assertThrows(UnsatisfiedLinkError.class, () -> search.load(file.toString(), "",
+            JAR, () -> new ByteArrayInputStream(new byte[1]), new TemporaryCopies(temporary)));
+        assertLines(error, file + " (com.norvane.quarlin.library): " + forbidden,
+            "native/windows-x86_64/qlsdk.dll in the.jar: copied to " + asked.get(1) + ": " + forbidden);
+        assertSame(forbidden, error.getSuppressed()[0]);
+        assertNothingIsLeft();
+    }
+
+    @Test
     void errorsOfAnotherKindPass() throws IOException {
         Error other = new OutOfMemoryError();
         LibrarySearch search = new LibrarySearch("Windows 11", "amd64", file -> {

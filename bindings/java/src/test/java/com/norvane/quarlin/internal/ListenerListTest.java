@@ -62,6 +62,14 @@ class ListenerListTest {
     }
 
     @Test
+    void anInterruptThatOneLeavesBehindDoesNotReachTheNext() {
+        list.add(text -> Thread.currentThread().interrupt());
+        list.add(text -> heard.add(text + (Thread.currentThread().isInterrupted() ? " interrupted" : "")));
+        say("a");
+        assertEquals(Collections.singletonList("a"), all());
+    }
+
+    @Test
     void aRemovedListenerHearsNothingOfWhatWaits() {
         CountDownLatch release = new CountDownLatch(1);
         list.add(listener);

@@ -198,7 +198,7 @@ class SessionTest {
             return 0;
         }));
         closing.start();
-        awaitBlocked(closing);
+        Latches.awaitBlocked(closing);
         assertFalse(answered.get());
         go.countDown();
         question.get();
@@ -211,14 +211,6 @@ class SessionTest {
             assertTrue(latch.await(30, TimeUnit.SECONDS));
         } catch (InterruptedException stopped) {
             throw new AssertionError(stopped);
-        }
-    }
-
-    private static void awaitBlocked(Thread thread) {
-        long deadline = System.nanoTime() + TimeUnit.SECONDS.toNanos(30);
-        while (thread.getState() != Thread.State.WAITING) {
-            assertTrue(System.nanoTime() < deadline, "the thread does not wait: " + thread.getState());
-            Thread.yield();
         }
     }
 }

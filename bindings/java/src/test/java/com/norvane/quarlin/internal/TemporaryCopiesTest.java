@@ -12,6 +12,7 @@ import java.io.IOException;
 import java.io.InputStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.nio.file.Paths;
 import java.nio.file.attribute.FileTime;
 import java.time.Duration;
 import java.time.Instant;
@@ -20,6 +21,7 @@ import java.util.List;
 import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.stream.Stream;
+import org.junit.jupiter.api.Assumptions;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
@@ -106,6 +108,27 @@ class TemporaryCopiesTest {
         aged(abandoned);
         make();
         assertTrue(Files.exists(other));
+    }
+
+    @Test
+    void whatALinkLeadsToStays() throws IOException {
+        Path folder = Files.createDirectory(parent.resolve("installed"));
+        Path installed = aged(Files.createFile(folder.resolve("qlsdk.dll")));
+        try {
+            Files.createSymbolicLink(parent.resolve("quarlin-link"), folder);
+        } catch (IOException | UnsupportedOperationException forbidden) {
+            Assumptions.abort("no links here: " + forbidden);
+        }
+        make();
+        assertTrue(Files.exists(installed));
+    }
+
+    @Test
+    void aCopyHasAnAbsolutePathWhateverTheFolder() throws IOException {
+        Path here = Paths.get("").toAbsolutePath();
+        Path relative = here.relativize(parent);
+        assertFalse(relative.isAbsolute());
+        assertTrue(new TemporaryCopies(relative).make(new ByteArrayInputStream(new byte[] {1})).isAbsolute());
     }
 
     @Test

@@ -19,6 +19,7 @@ import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.Tag;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.function.Executable;
 
 /** The native methods of the barcode scanner, with the machine's own Honeywell engine. */
 @Tag("machine")
@@ -51,7 +52,7 @@ class BarcodeNativesMachineTest {
             assertEquals(0, QlBarcode.nQLBCR_Enable());
         }
 
-        void failsInternally(String function, String message, org.junit.jupiter.api.function.Executable call) {
+        void failsInternally(String function, String message, Executable call) {
             machine.command("scanner refuse " + function + " 77 1");
             BarcodeException thrown = assertThrows(BarcodeException.class, call);
             assertEquals(ResultCode.INTERNAL_ERROR, thrown.code());

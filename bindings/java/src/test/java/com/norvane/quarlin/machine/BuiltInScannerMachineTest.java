@@ -92,8 +92,8 @@ class BuiltInScannerMachineTest {
             all[i] = (byte) (i + 1);
         }
         // Two bytes of UTF-8, four bytes of UTF-8, bytes that are none, an end in the middle of a character.
-        byte[][] codes = {"Größe".getBytes(StandardCharsets.UTF_8), "\uD83D\uDE00".getBytes(StandardCharsets.UTF_8), all,
-            {'a', (byte) 0xE2, (byte) 0x82}, {(byte) 0xC0, (byte) 0x80, 'z'}, {(byte) 0xFF}};
+        byte[][] codes = {"Größe".getBytes(StandardCharsets.UTF_8), "\uD83D\uDE00".getBytes(StandardCharsets.UTF_8),
+            all, {'a', (byte) 0xE2, (byte) 0x82}, {(byte) 0xC0, (byte) 0x80, 'z'}, {(byte) 0xFF}};
         try (BarcodeScanner scanner = BarcodeScanner.open()) {
             scanner.addScanListener(scans);
             scanner.enable();

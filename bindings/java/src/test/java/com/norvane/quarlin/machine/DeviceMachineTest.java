@@ -8,6 +8,7 @@ import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
+import com.norvane.quarlin.QuarlinException;
 import com.norvane.quarlin.ResultCode;
 import com.norvane.quarlin.device.Battery;
 import com.norvane.quarlin.device.BatteryInfo;
@@ -191,6 +192,6 @@ class DeviceMachineTest {
             assertTrue(other.isAvailable(1));
         }
         assertEquals(ResultCode.INVALID_STATE,
-                assertThrows(com.norvane.quarlin.QuarlinException.class, () -> one.isAvailable(1)).code());
+                assertThrows(QuarlinException.class, () -> one.isAvailable(1)).code());
     }
 }

@@ -8,6 +8,7 @@ import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
+import com.norvane.quarlin.QuarlinException;
 import com.norvane.quarlin.ResultCode;
 import com.norvane.quarlin.gps.Coordinates;
 import com.norvane.quarlin.gps.FixQuality;
@@ -233,7 +234,7 @@ class GpsMachineTest {
         first.close();
         first.close();
         assertEquals(ResultCode.INVALID_STATE,
-                assertThrows(com.norvane.quarlin.QuarlinException.class, first::position).code());
+                assertThrows(QuarlinException.class, first::position).code());
         try (GpsReceiver second = GpsReceiver.open(port)) {
             second.enable();
             Wait.until("the first line", second::isEnabled);

@@ -7,6 +7,7 @@ import java.io.IOException;
 import java.io.InputStreamReader;
 import java.io.OutputStream;
 import java.nio.charset.StandardCharsets;
+import java.time.Duration;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.concurrent.TimeUnit;
@@ -47,7 +48,12 @@ final class Program implements AutoCloseable {
 
     /** Takes the next line that has a text in it, and all lines before it. */
     String awaitLine(String text) {
-        long end = System.nanoTime() + Wait.PATIENCE.toNanos();
+        return awaitLine(text, Wait.PATIENCE);
+    }
+
+    /** The same with a deadline of one's own. */
+    String awaitLine(String text, Duration patience) {
+        long end = System.nanoTime() + patience.toNanos();
         synchronized (lines) {
             StringBuilder passed = new StringBuilder();
             while (true) {

@@ -24,6 +24,7 @@ import org.junit.jupiter.api.AfterAll;
 import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.function.Executable;
 
 /** The UHF RFID reader on the HID bus, with tags in its field. */
 @org.junit.jupiter.api.Tag("machine")
@@ -94,7 +95,7 @@ class RfidMachineTest {
         return bytes;
     }
 
-    private static void assertRefuses(String name, org.junit.jupiter.api.function.Executable call) {
+    private static void assertRefuses(String name, Executable call) {
         RfidException thrown = assertThrows(RfidException.class, call);
         assertEquals(name, thrown.code().nativeName());
         assertEquals(name, thrown.getMessage());
@@ -134,7 +135,8 @@ class RfidMachineTest {
             byte[] data = new byte[8];
             assertEquals(0, UhfRfidNativeBase.QLUHFRFID_ReadTag(reader.handle, USER, 2, NONE, 4, data, 3));
             assertArrayEquals(bytes("0405060708090000"), data);
-            assertEquals(0, UhfRfidNativeBase.QLUHFRFID_WriteTag(reader.handle, USER, 1, ACCESS, 4, bytes("CAFEBABE"), 2));
+            byte[] words = bytes("CAFEBABE");
+            assertEquals(0, UhfRfidNativeBase.QLUHFRFID_WriteTag(reader.handle, USER, 1, ACCESS, 4, words, 2));
             assertEquals(0, UhfRfidNativeBase.QLUHFRFID_ReadTag(reader.handle, USER, 0, ACCESS, 4, data, 4));
             assertArrayEquals(bytes("0001CAFEBABE0607"), data);
             assertRefuses("QLERR_UHFRFID_MEMORY_OVERRUN",
@@ -150,7 +152,8 @@ class RfidMachineTest {
         try (Opened reader = new Opened()) {
             byte[] id = bytes("3000" + LABEL);
             UhfRfidNativeBase.QLUHFRFID_SelectTag(reader.handle, id, id.length);
-            assertRefuses("QLERR_UHFRFID_LOCK", () -> UhfRfidNativeBase.QLUHFRFID_LockTag(reader.handle, 4, 2, NONE, 4));
+            assertRefuses("QLERR_UHFRFID_LOCK",
+                    () -> UhfRfidNativeBase.QLUHFRFID_LockTag(reader.handle, 4, 2, NONE, 4));
             assertEquals(0, UhfRfidNativeBase.QLUHFRFID_LockTag(reader.handle, 4, 2, ACCESS, 4));
             assertRefuses("QLERR_UHFRFID_MEMORY_LOCKED",
                     () -> UhfRfidNativeBase.QLUHFRFID_WriteTag(reader.handle, USER, 0, NONE, 4, bytes("0000"), 1));
@@ -212,7 +215,8 @@ class RfidMachineTest {
                     () -> UhfRfidNativeBase.QLUHFRFID_ReadTag(handle, USER, 0, two, 4, new byte[64], 2));
             assertThrows(IllegalArgumentException.class,
                     () -> UhfRfidNativeBase.QLUHFRFID_WriteTag(handle, USER, 0, NONE, 4, two, 2));
-            assertThrows(IllegalArgumentException.class, () -> UhfRfidNativeBase.QLUHFRFID_LockTag(handle, 0, 0, two, 3));
+            assertThrows(IllegalArgumentException.class,
+                    () -> UhfRfidNativeBase.QLUHFRFID_LockTag(handle, 0, 0, two, 3));
             assertThrows(IllegalArgumentException.class, () -> UhfRfidNativeBase.QLUHFRFID_KillTag(handle, two, 4));
             assertThrows(IllegalArgumentException.class, () -> UhfRfidNativeBase.QLUHFRFID_KillTag(handle, null, 4));
             assertArrayEquals(new byte[] {1, 2}, two);

@@ -12,8 +12,8 @@ import java.util.Arrays;
 import java.util.concurrent.atomic.AtomicInteger;
 
 /**
- * The simulated devices of the machine: {@code qlsim.exe} playing a scenario, and its commands. Its folder is the system
- * property {@code qlsim.bin}.
+ * The simulated devices of the machine: {@code qlsim.exe} playing a scenario, and its commands. Its folder is the
+ * system property {@code qlsim.bin}.
  *
  * <p>The environment variable {@code QLSIM_INSTANCE} has to be set before this JVM starts: the machine's libraries in
  * this process and the simulator have their records in common by it, and nobody else has.
@@ -73,15 +73,6 @@ final class Simulator implements AutoCloseable {
             throw new IllegalStateException(line + ": " + reply);
         }
         return reply.length() > 3 ? reply.substring(3) : "";
-    }
-
-    /** Gives a command that is to be refused; gives the sentence that says why. */
-    synchronized String refused(String line) {
-        String reply = ask(line);
-        if (!reply.startsWith("error ")) {
-            throw new IllegalStateException(line + " was not refused: " + reply);
-        }
-        return reply.substring("error ".length());
     }
 
     private String ask(String line) {

@@ -4,14 +4,18 @@ package com.norvane.quarlin.machine;
 import java.io.File;
 import java.io.IOException;
 import java.lang.management.ManagementFactory;
+import java.time.Duration;
 import java.util.Collections;
 
 /**
- * The turns that tests of the machine's devices take, because every program sees those: mutexes and locks of the system,
- * held by a program beside this one, which lies in the build's folder of tests. It also counts the handles of this
- * process.
+ * The turns that tests of the machine's devices take, because every program sees those: mutexes and locks of the
+ * system, held by a program beside this one, which lies in the build's folder of tests. It also counts the handles of
+ * this process.
  */
 final class Turns implements AutoCloseable {
+    // The program gives up earlier, and says for what it has waited.
+    private static final Duration PATIENCE = Duration.ofSeconds(240);
+
     private final Program aid;
 
     Turns() throws IOException {
@@ -55,12 +59,6 @@ final class Turns implements AutoCloseable {
         return 3 + 2 * ask("mutex Global\\QuarlinTestCable3 Global\\QuarlinTestCable5");
     }
 
-    /** Takes the cable of the USB receiver: the near end is there while the far end is open. */
-    int usbCable() throws IOException {
-        ask("mutex Global\\QuarlinTestCable7");
-        return 7;
-    }
-
     /** Open handles of this process, of every kind. */
     int handlesOfThisProcess() throws IOException {
         String name = ManagementFactory.getRuntimeMXBean().getName();
@@ -69,7 +67,7 @@ final class Turns implements AutoCloseable {
 
     private synchronized int ask(String command) throws IOException {
         aid.write(command);
-        String answer = aid.awaitLine("");
+        String answer = aid.awaitLine("", PATIENCE);
         if (answer.equals("ok")) {
             return 0;
         }
