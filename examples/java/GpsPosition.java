@@ -5,6 +5,7 @@ import com.norvane.quarlin.gps.FixQuality;
 import com.norvane.quarlin.gps.GpsReceiver;
 import java.time.Instant;
 import java.util.Locale;
+import java.util.Optional;
 import java.util.concurrent.TimeUnit;
 
 /** Waits for a fix and prints positions, one a second. */
@@ -16,12 +17,16 @@ public final class GpsPosition {
 
     /**
      * Usage: {@code GpsPosition PORT [COUNT]}, 3 for COM3, COUNT positions, or 1. Exit status: 0 after them, 1 after an
-     * error, 3 without a fix.
+     * error, 2 without a port, 3 without a fix.
      *
      * @param arguments see above
      * @throws InterruptedException never
      */
     public static void main(String[] arguments) throws InterruptedException {
+        if (arguments.length == 0) {
+            System.err.println("usage: GpsPosition PORT [COUNT]");
+            System.exit(2);
+        }
         int port = Integer.parseInt(arguments[0]);
         int count = arguments.length < 2 ? 1 : Integer.parseInt(arguments[1]);
         System.exit(follow(port, count));
@@ -39,8 +44,9 @@ public final class GpsPosition {
                 }
                 // Nothing is called back: the application asks as often as it wants to know.
                 TimeUnit.SECONDS.sleep(1);
-                if (receiver.fixQuality() != FixQuality.NONE && receiver.time().isPresent()) {
-                    show(receiver, receiver.time().get());
+                Optional<Instant> time = receiver.time();
+                if (receiver.fixQuality() != FixQuality.NONE && time.isPresent()) {
+                    show(receiver, time.get());
                     shown++;
                 }
             }

@@ -51,22 +51,16 @@ jclass LoadBeside(JNIEnv* env, jclass neighbour, const char* name) {
         CallForObject(env, loader.Get(), "loadClass", "(Ljava/lang/String;)Ljava/lang/Class;", text.Get()));
 }
 
-// On a thread without Java code FindClass asks the system's class loader alone. An application may have its classes,
-// and so these, from another one: that of the class that it wants to be called.
+// The class as the callback's method knows it. On a thread without Java code FindClass asks the system's class loader
+// alone, and an application may have its classes, and so these, from another one.
 jclass FindDataClass(JNIEnv* env, jclass callback, const char* name) {
-    if (jclass found = env->FindClass(name)) {
-        return found;
-    }
-    const Local<jthrowable> missing(env, env->ExceptionOccurred());
-    env->ExceptionClear();
     try {
         return LoadBeside(env, callback, name);
     } catch (const JavaErrorPending&) {
-        // The first error names the class; what the second one says may be of no help.
+        // A class of the VM's own has no loader that could be asked.
         env->ExceptionClear();
-        env->Throw(missing.Get());
-        throw;
     }
+    return FindClass(env, name);
 }
 
 jobject NewTrack(JNIEnv* env, const TrackClass& track, const MagStripeTrackData& data) {

@@ -253,7 +253,8 @@ TEST_F(CardDelivery, MissingClassesAndConstructorsLoseTheSwipeAlone) {
         EXPECT_EQ(vm.TakeUncaught(), std::vector<JavaException>({{"java/lang/NoClassDefFoundError", name}}));
         vm.ShowClass(name);
     }
-    for (const int nth : {1, 2}) {
+    // Before each of them the class of the callback is asked for its loader.
+    for (const int nth : {2, 4}) {
         vm.FailOn("GetMethodID", nth);
         Deliver(Swipe());
         EXPECT_EQ(vm.TakeUncaught(), std::vector<JavaException>({{"java/lang/NoSuchMethodError", "<init>"}}));
@@ -286,6 +287,15 @@ TEST_F(CardDelivery, FindsClassesThatOnlyTheListenersClassLoaderHas) {
     ASSERT_EQ(swipes.size(), 1U);
     ExpectSwipe(swipes[0], swipe);
     EXPECT_EQ(asked, vm.Class(kSwipeEvents).object);
+
+    // Classes of the same names elsewhere are others: the listener's method would not know them.
+    vm.ShowClass(kTrack);
+    vm.ShowClass(kSwipe);
+    asked = nullptr;
+    Deliver(swipe);
+    EXPECT_EQ(TakeSwipes().size(), 1U);
+    EXPECT_EQ(asked, vm.Class(kSwipeEvents).object);
+    EXPECT_EQ(vm.CallsOf("FindClass"), 0);
 }
 
 TEST_F(CardDelivery, OutOfMemoryAtAnyStepLosesTheSwipeAlone) {

@@ -83,6 +83,16 @@ class BarcodeNativesMachineTest {
     }
 
     @Test
+    void aClassThatCannotBeFilledIsTheVmsError() {
+        for (Class<?> unfit : new Class<?>[] {int.class, BarcodeDeviceInfo[].class, Runnable.class}) {
+            assertThrows(NoSuchMethodError.class, () -> QlBarcode.QLBCR_GetBarcodeDevices(unfit, 3), unfit::getName);
+        }
+        assertThrows(NoSuchFieldError.class, () -> QlBarcode.QLBCR_GetBarcodeDevices(Object.class, 3));
+        assertRaises(IllegalArgumentException.class, "deviceClass cannot be NULL",
+                () -> QlBarcode.QLBCR_GetBarcodeDevices(null, 3));
+    }
+
+    @Test
     void aCapacityThatIsTooSmallOverflows() throws Exception {
         BarcodeException thrown = assertThrows(BarcodeException.class,
                 () -> QlBarcode.QLBCR_GetBarcodeDevices(BarcodeDeviceInfo.class, -1));

@@ -156,6 +156,9 @@ class GpsMachineTest {
                         assertThrows(BufferOverflowException.class, () -> GPS.QLGPS_GetSatellites(tooFew));
                 assertEquals("Buffer size too small", thrown.getCause().getMessage());
             }
+            // More than an array can have: the VM refuses it, and the library needs no memory for it.
+            assertThrows(OutOfMemoryError.class, () -> GPS.QLGPS_GetSatellites(Integer.MAX_VALUE));
+            assertEquals("[" + published + "]", text(GPS.QLGPS_GetSatellites(8)));
         }
     }
 
@@ -191,7 +194,9 @@ class GpsMachineTest {
     @Test
     void aPortThatIsAbsentCannotBeEnabled() {
         try (GpsReceiver receiver = GpsReceiver.open(ABSENT_PORT)) {
-            Throwable thrown = assertThrows(RuntimeException.class, receiver::enable);
+            QuarlinException thrown = assertThrows(QuarlinException.class, receiver::enable);
+            assertEquals(ResultCode.INTERNAL_ERROR, thrown.code());
+            assertEquals(RuntimeException.class, thrown.getCause().getClass());
             assertTrue(thrown.getMessage().startsWith("CreateFile failed"), thrown::toString);
             assertFalse(receiver.isEnabled());
         }
