@@ -25,7 +25,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 JAVA = ROOT / "build" / "java"
 SKIPPED = 77
 # A JVM that dies of native code may not end under Wine.
-DYING = "A fatal error has been detected by the Java Runtime Environment"
+DYING = re.compile(r"A fatal error has been detected by the Java Runtime Environment|FATAL ERROR in native method")
 LAST_WORDS = 20  # seconds
 # What -Xcheck:jni has to say of native code. It goes on after the first two.
 COMPLAINTS = re.compile(r"WARNING in native method|WARNING: JNI local refs|FATAL ERROR in native method")
@@ -102,7 +102,7 @@ def main():
     complaints = 0
     for line in running.stdout:
         print(line, end="", flush=True)
-        if DYING in line:
+        if DYING.search(line):
             threading.Timer(LAST_WORDS, running.kill).start()
         complaints += COMPLAINTS.search(line) is not None
     status = running.wait()

@@ -195,8 +195,8 @@ class GpsMachineTest {
     void aPortThatIsAbsentCannotBeEnabled() {
         try (GpsReceiver receiver = GpsReceiver.open(ABSENT_PORT)) {
             QuarlinException thrown = assertThrows(QuarlinException.class, receiver::enable);
-            assertEquals(ResultCode.INTERNAL_ERROR, thrown.code());
-            assertEquals(RuntimeException.class, thrown.getCause().getClass());
+            assertEquals(ResultCode.INVALID_STATE, thrown.code());
+            assertEquals(IllegalStateException.class, thrown.getCause().getClass());
             assertTrue(thrown.getMessage().startsWith("CreateFile failed"), thrown::toString);
             assertFalse(receiver.isEnabled());
         }
