@@ -131,22 +131,13 @@ class EngineDesk {
         CloseHandle(goOn);
     }
 
-    // Not the system's tick count: on a busy machine that may stand still for longer than a library's pause lasts.
-    static std::uint64_t Milliseconds() {
-        LARGE_INTEGER now{};
-        LARGE_INTEGER perSecond{};
-        QueryPerformanceCounter(&now);
-        QueryPerformanceFrequency(&perSecond);
-        return static_cast<std::uint64_t>(now.QuadPart) / (static_cast<std::uint64_t>(perSecond.QuadPart) / 1000);
-    }
-
     EngineCall Begin(Function function, const Given& given) const {
         EngineCall call{};
         call.function = static_cast<std::uint32_t>(function);
         call.library = library_;
         call.process = GetCurrentProcessId();
         call.thread = GetCurrentThreadId();
-        call.milliseconds = Milliseconds();
+        call.milliseconds = GetTickCount64();
         std::memcpy(&call.arguments[0], &given.arguments[0], sizeof(call.arguments));
         call.requestLength = given.length;
         if (given.request != nullptr) {

@@ -58,7 +58,7 @@ struct EngineCall {
     std::uint32_t thread;
     std::uint32_t status;        // without the dirt
     std::uint32_t answerLength;  // what the caller was told; 0 where nothing is told
-    std::uint64_t milliseconds;  // of the machine's performance counter
+    std::uint64_t milliseconds;  // of the machine's clock (GetTickCount64)
     // Numbers and addresses in the order of the parameters; what goes in as text, frame or input is in `request`.
     // Intermec frames and scans: the last one is what the answer's length was before the call.
     std::int64_t arguments[4];

@@ -22,7 +22,7 @@ namespace quarlin::test {
 inline constexpr int kRounds = 15;
 inline constexpr std::uint64_t kBetweenRounds = 150;  // milliseconds
 // The clock ticks every 16 ms, and on a busy machine it is late.
-inline constexpr std::uint64_t kTick = 50;
+inline constexpr std::uint64_t kTick = 100;
 
 // A record, with its name as a text.
 struct Listed {
