@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint64_t kPause = 500;  // milliseconds
 // The clock ticks every 16 ms, and on a busy machine it is late.
-constexpr std::uint64_t kTick = 50;
+constexpr std::uint64_t kTick = 100;
 constexpr std::uint64_t kAtOnce = 3 * kPause;
 
 class EmulatorConnect : public EmulatorTest {

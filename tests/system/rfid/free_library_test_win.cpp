@@ -76,9 +76,14 @@ TEST(RfidFreedLibrary, LeavesItsLockAndNothingElse) {
     const UniqueModule hid(LoadLibraryW(L"hid.dll"));
     const RfidReaderTurn turn;
     TestReader reader;
-    const ResourceCount byLock = GrowthBy([](const LoadedLibrary& library) {
+    const auto refused = [](const LoadedLibrary& library) {
         EXPECT_FAILURE_IN(library, QLUHFRFID_OpenReader(nullptr), QLERR_INVALID_ARGUMENT, "QLERR_INVALID_ARGUMENT");
-    });
+    };
+    // The simulated reader makes a handle for good now and then, when its threads meet, and gives one back late.
+    ResourceCount byLock = GrowthBy(refused);
+    for (int retry = 0; retry < 3 && byLock.handles != 0; ++retry) {
+        byLock = GrowthBy(refused);
+    }
     EXPECT_EQ(byLock.handles, 0U);
     EXPECT_EQ(byLock.freeTlsSlots, 0U);
     const auto use = [&](const LoadedLibrary& library) {
@@ -88,7 +93,6 @@ TEST(RfidFreedLibrary, LeavesItsLockAndNothingElse) {
         EXPECT_DONE_IN(library, QLUHFRFID_CloseReader(handle));
         reader->ClearLog();
     };
-    // The simulated reader makes a handle for good now and then, when its threads meet.
     ResourceCount byUse = GrowthBy(use);
     for (int retry = 0; retry < 3 && byUse != byLock; ++retry) {
         byUse = GrowthBy(use);
